@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QMainWindow>
+
+class Controller;
+class FileFinderEngine;
+class Model;
+class ModelEvent;
+class QAction;
+class QHBoxLayout;
+class QMenu;
+class QStackedWidget;
+class QThread;
+
+/**
+ * The one window of the program. It owns the event hub, the engine on its worker thread, the pages
+ * and the status bar, and is the only place that starts a scan, stops one and changes the page.
+ *
+ * Lives on the GUI thread. The pages stand at fixed indexes: 0 the configuration of a scan,
+ * 1 its progress, 2 its results.
+ */
+class MainWindow final : public QMainWindow
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(MainWindow)
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    /** Ends a scan that runs; waits for it at most until the file being read is done. */
+    ~MainWindow() override;
+
+    /** Runs a scan of what Configuration holds and shows page 1; the engine begins 10 ms later. */
+    void onScanStart();
+    /** Asks the engine to stop, 10 ms later; the scan still reports what it has found. */
+    void stopScan();
+    void setCurrentWidget(int index);
+    /** Shows an about box that deletes itself when it is closed. */
+    void showAboutDialog();
+
+    void paintEvent(QPaintEvent *event) override;
+
+public slots:
+    void onModelEvent(const ModelEvent *modelEvent);
+    void onMenuClicked(QAction *action);
+
+private:
+
+    Model *model = nullptr;
+    Controller *controller = nullptr;
+    QMenu *menu = nullptr;
+    QStackedWidget *stackedWidget = nullptr;
+};

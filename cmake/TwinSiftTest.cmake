@@ -1,0 +1,32 @@
+# SPDX-License-Identifier: MIT
+
+# twinsift_add_test(<Class> [SOURCES more.cpp ...] [LIBRARIES more ...]
+#                   [X11] [ARGUMENTS ...] [TIMEOUT seconds])
+# Builds tst_<Class>.cpp of the current folder and registers it as <Class>. A test runs without a
+# screen; with X11 it runs in a real window on a virtual X server instead.
+function(twinsift_add_test name)
+    cmake_parse_arguments(arg "X11" "TIMEOUT" "SOURCES;LIBRARIES;ARGUMENTS" ${ARGN})
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 300)
+    endif()
+    add_executable(tst_${name} tst_${name}.cpp ${arg_SOURCES})
+    target_link_libraries(tst_${name}
+        PRIVATE twinsift_options twinsift_test_support twinsift_core twinsift_resources Qt5::Test
+                ${arg_LIBRARIES})
+    twinsift_register_test(${name} tst_${name} ${arg_TIMEOUT} "${arg_X11}" "${arg_ARGUMENTS}")
+endfunction()
+
+function(twinsift_register_test name target timeout x11 arguments)
+    if(x11)
+        add_test(NAME ${name}
+            COMMAND ${CMAKE_SOURCE_DIR}/tests/support/with-screen $<TARGET_FILE:${target}>
+                    ${arguments})
+        set(platform QT_QPA_PLATFORM=xcb)
+    else()
+        add_test(NAME ${name} COMMAND ${target} ${arguments})
+        set(platform QT_QPA_PLATFORM=offscreen)
+    endif()
+    set_tests_properties(${name} PROPERTIES
+        TIMEOUT ${timeout}
+        ENVIRONMENT "${platform};LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/lsan.supp;UBSAN_OPTIONS=print_stacktrace=1")
+endfunction()

@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#include "engine/Configuration.h"
+
+Configuration *Configuration::instance()
+{
+    static Configuration *const configuration = new Configuration;
+    return configuration;
+}
