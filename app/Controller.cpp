@@ -26,9 +26,9 @@ Controller::Controller(Model *eventModel, QObject *parent)
     , updateFileUrl(QString::fromLatin1(Product::updateFile))
 {
     connect(networkManager,
-            SIGNAL(finished(QNetworkReply*)),
+            SIGNAL(finished(QNetworkReply *)),
             this,
-            SLOT(onReplyFinished(QNetworkReply*)));
+            SLOT(onReplyFinished(QNetworkReply *)));
 }
 
 void Controller::checkUpdate()
@@ -78,9 +78,8 @@ void Controller::onCountingFindFilesDuplicated(int currentCountFiles,
                                                int countFoundedDuplicated,
                                                qint64 summFileSize)
 {
-    model->emitModelEvent(CountingFindFilesDuplicatedEvent(currentCountFiles,
-                                                           countFoundedDuplicated,
-                                                           summFileSize));
+    model->emitModelEvent(
+        CountingFindFilesDuplicatedEvent(currentCountFiles, countFoundedDuplicated, summFileSize));
 }
 
 void Controller::addedDuplicatedPath(const QString &filepath)

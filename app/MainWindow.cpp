@@ -17,9 +17,9 @@ MainWindow::MainWindow(QWidget *parent)
 {
     model = new Model(this);
     connect(model,
-            SIGNAL(modelEvent(const ModelEvent*)),
+            SIGNAL(modelEvent(const ModelEvent *)),
             this,
-            SLOT(onModelEvent(const ModelEvent*)));
+            SLOT(onModelEvent(const ModelEvent *)));
     controller = new Controller(model, nullptr);
     stackedWidget = new QStackedWidget(this);
     for (int page = 0; page < 3; ++page) {
@@ -35,14 +35,14 @@ void MainWindow::onScanStart()
     stackedWidget->setCurrentIndex(1);
 }
 
-void MainWindow::stopScan() {}
+void MainWindow::stopScan() { }
 
 void MainWindow::setCurrentWidget(int index)
 {
     stackedWidget->setCurrentIndex(index);
 }
 
-void MainWindow::showAboutDialog() {}
+void MainWindow::showAboutDialog() { }
 
 void MainWindow::paintEvent(QPaintEvent *event)
 {

@@ -45,7 +45,6 @@ public slots:
     void onMenuClicked(QAction *action);
 
 private:
-
     Model *model = nullptr;
     Controller *controller = nullptr;
     QMenu *menu = nullptr;

@@ -5,7 +5,10 @@
 
 #include <QThread>
 
-Model::Model(QObject *parent) : QObject(parent) {}
+Model::Model(QObject *parent)
+    : QObject(parent)
+{
+}
 
 void Model::emitModelEvent(const ModelEvent &event)
 {

@@ -34,7 +34,10 @@ public:
     const qint32 type;
 
 protected:
-    explicit ModelEvent(ModelEventType eventType) : type(eventType) {}
+    explicit ModelEvent(ModelEventType eventType)
+        : type(eventType)
+    {
+    }
     ModelEvent(const ModelEvent &) = default;
 };
 
@@ -62,19 +65,28 @@ public:
 class FindAllFilesStartedEvent final : public ModelEvent
 {
 public:
-    FindAllFilesStartedEvent() : ModelEvent(TypeFindAllFilesStartedEvent) {}
+    FindAllFilesStartedEvent()
+        : ModelEvent(TypeFindAllFilesStartedEvent)
+    {
+    }
 };
 
 class FindAllFilesFinishedEvent final : public ModelEvent
 {
 public:
-    FindAllFilesFinishedEvent() : ModelEvent(TypeFindAllFilesFinishedEvent) {}
+    FindAllFilesFinishedEvent()
+        : ModelEvent(TypeFindAllFilesFinishedEvent)
+    {
+    }
 };
 
 class FindDuplicatedFilesStartedEvent final : public ModelEvent
 {
 public:
-    FindDuplicatedFilesStartedEvent() : ModelEvent(TypeFindDuplicatedFilesStartedEvent) {}
+    FindDuplicatedFilesStartedEvent()
+        : ModelEvent(TypeFindDuplicatedFilesStartedEvent)
+    {
+    }
 };
 
 /** Made on the engine's thread, where Model cannot pass it on to the pages. */
@@ -99,7 +111,10 @@ public:
 class FindDuplicatedFilesStoppedEvent final : public ModelEvent
 {
 public:
-    FindDuplicatedFilesStoppedEvent() : ModelEvent(TypeFindDuplicatedFilesStoppedEvent) {}
+    FindDuplicatedFilesStoppedEvent()
+        : ModelEvent(TypeFindDuplicatedFilesStoppedEvent)
+    {
+    }
 };
 
 /** The maker's web site has answered; version and build are one character each. */

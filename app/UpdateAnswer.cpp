@@ -39,5 +39,5 @@ std::optional<UpdateAnswer> UpdateAnswer::fromLines(const QList<QByteArray> &lin
     url = QUrl::fromPercentEncoding(url.toLocal8Bit());
     url.remove(QLatin1Char('\n'));
     // Single characters, not the two pieces: the main window takes the version for one digit.
-    return UpdateAnswer {announced->at(0), announced->at(1), url};
+    return UpdateAnswer{announced->at(0), announced->at(1), url};
 }

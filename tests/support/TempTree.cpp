@@ -39,7 +39,9 @@ QString TempTree::file(const QString &name, const QByteArray &content) const
     const QString whole = path(name);
     require(QDir().mkpath(QFileInfo(whole).path()), "make the folder of", whole);
     QFile file(whole);
-    require(file.open(QIODevice::WriteOnly) && file.write(content) == content.size(), "write", whole);
+    require(file.open(QIODevice::WriteOnly) && file.write(content) == content.size(),
+            "write",
+            whole);
     return whole;
 }
 

@@ -77,9 +77,9 @@ void TestCase::cleanup()
 
 void TestCase::expectMessage(QtMsgType type, const QString &text)
 {
-    expectMessage(type,
-                  QRegularExpression(
-                      QRegularExpression::anchoredPattern(QRegularExpression::escape(text))));
+    expectMessage(
+        type,
+        QRegularExpression(QRegularExpression::anchoredPattern(QRegularExpression::escape(text))));
 }
 
 void TestCase::expectMessage(QtMsgType type, const QRegularExpression &pattern)

@@ -45,7 +45,9 @@ private:
         QRegularExpression pattern;
     };
 
-    static void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &text);
+    static void handleMessage(QtMsgType type,
+                              const QMessageLogContext &context,
+                              const QString &text);
     bool takeMessage(QtMsgType type, const QString &text);
 
     std::unique_ptr<QTemporaryDir> folder;
@@ -55,10 +57,10 @@ private:
 };
 
 /** Runs the test functions of Class in an application, with the surroundings of TestCase. */
-#define TWINSIFT_TEST_MAIN(Class)                                                                   \
-    int main(int argc, char **argv)                                                                 \
-    {                                                                                               \
-        return TestSurroundings::run<Class>(argc, argv);                                            \
+#define TWINSIFT_TEST_MAIN(Class) \
+    int main(int argc, char **argv) \
+    { \
+        return TestSurroundings::run<Class>(argc, argv); \
     }
 
 namespace TestSurroundings
