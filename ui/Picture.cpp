@@ -21,8 +21,9 @@ QPixmap withRatio(QPixmap pixmap, qreal ratio)
 
 QPixmap Picture::scaled(const QString &path, const QSize &size, qreal ratio)
 {
-    return withRatio(load(path).scaled(size * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
-                     ratio);
+    return withRatio(
+        load(path).scaled(size * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
+        ratio);
 }
 
 QPixmap Picture::scaledToHeight(const QString &path, int height, qreal ratio)
