@@ -1,15 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "ui/Picture.h"
 
+#include <QFile>
 #include <QImageReader>
 
 namespace
 {
-// Through the image reader: a QPixmap would look for a picture of twice the size by itself, and
-// then count its pixels once more.
-QPixmap load(const QString &path)
+QString forRatio(const QString &path, qreal ratio)
 {
-    return QPixmap::fromImageReader(std::make_unique<QImageReader>(path).get());
+    const int dot = path.lastIndexOf(QLatin1Char('.'));
+    if (ratio <= 1 || dot < 0) {
+        return path;
+    }
+    const QString doubled = path.left(dot) + QStringLiteral("@2x") + path.mid(dot);
+    return QFile::exists(doubled) ? doubled : path;
+}
+
+QPixmap load(const QString &path, qreal ratio)
+{
+    QImageReader reader(forRatio(path, ratio));
+    return QPixmap::fromImageReader(&reader);
 }
 
 QPixmap withRatio(QPixmap pixmap, qreal ratio)
@@ -22,18 +32,25 @@ QPixmap withRatio(QPixmap pixmap, qreal ratio)
 QPixmap Picture::scaled(const QString &path, const QSize &size, qreal ratio)
 {
     return withRatio(
-        load(path).scaled(size * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
+        load(path, ratio).scaled(size * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
         ratio);
 }
 
 QPixmap Picture::scaledToHeight(const QString &path, int height, qreal ratio)
 {
-    return withRatio(load(path).scaledToHeight(qRound(height * ratio), Qt::SmoothTransformation),
-                     ratio);
+    return withRatio(
+        load(path, ratio).scaledToHeight(qRound(height * ratio), Qt::SmoothTransformation),
+        ratio);
 }
 
 QPixmap Picture::scaledToWidth(const QString &path, int width, qreal ratio)
 {
-    return withRatio(load(path).scaledToWidth(qRound(width * ratio), Qt::SmoothTransformation),
-                     ratio);
+    return withRatio(
+        load(path, ratio).scaledToWidth(qRound(width * ratio), Qt::SmoothTransformation),
+        ratio);
+}
+
+QSize Picture::size(const QString &path)
+{
+    return QImageReader(path).size();
 }
