@@ -171,7 +171,9 @@ void ClickableLabel::paintEvent(QPaintEvent *event)
 
 QSize ClickableLabel::iconSize() const
 {
-    return (QSizeF(pixmap.size()) / pixmap.devicePixelRatioF()).toSize();
+    // A null pixmap has a ratio of 0.
+    return pixmap.isNull() ? QSize(0, 0)
+                           : (QSizeF(pixmap.size()) / pixmap.devicePixelRatioF()).toSize();
 }
 
 void ClickableLabel::paintHighlight(QPainter *painter) const
