@@ -193,8 +193,6 @@ void WidgetAnalyzeWaiting::createLayout()
     row->addStretch();
     row->addWidget(buttonScanResults);
     mainLayout->addLayout(row);
-    setTabOrder(buttonStopSearching, buttonScanConfigurations);
-    setTabOrder(buttonScanConfigurations, buttonScanResults);
 }
 
 void WidgetAnalyzeWaiting::onFinished()

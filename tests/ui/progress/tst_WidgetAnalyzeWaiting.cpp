@@ -231,22 +231,28 @@ void tst_WidgetAnalyzeWaiting::order()
 
 void tst_WidgetAnalyzeWaiting::focusOrder()
 {
-    // Tab goes through the buttons as they stand in the row, both ways.
+    // Tab reaches the stop alone while a scan runs, then the way back and the results, in the row's order.
+    QPushButton outside(page.get());
     model->emitModelEvent(FindAllFilesStartedEvent());
-    button(configurations)->show();
-    button(results)->setEnabled(true);
     page->show();
     page->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(page.get()));
-    button(stop)->setFocus(Qt::TabFocusReason);
-    QTest::keyClick(page.get(), Qt::Key_Tab);
-    QCOMPARE(page->focusWidget(), button(configurations));
-    QTest::keyClick(page.get(), Qt::Key_Tab);
+    const QList<QWidget *> running = {button(stop), &outside};
+    const QList<QWidget *> ended = {button(configurations), button(results), &outside};
+    outside.setFocus(Qt::TabFocusReason);
+    for (QWidget *next : running) {
+        QTest::keyClick(page.get(), Qt::Key_Tab);
+        QCOMPARE(page->focusWidget(), next);
+    }
+    model->emitModelEvent(FindDuplicatedFilesFinishedEvent({}));
+    for (QWidget *next : ended) {
+        QTest::keyClick(page.get(), Qt::Key_Tab);
+        QCOMPARE(page->focusWidget(), next);
+    }
+    QTest::keyClick(page.get(), Qt::Key_Backtab, Qt::ShiftModifier);
     QCOMPARE(page->focusWidget(), button(results));
     QTest::keyClick(page.get(), Qt::Key_Backtab, Qt::ShiftModifier);
     QCOMPARE(page->focusWidget(), button(configurations));
-    QTest::keyClick(page.get(), Qt::Key_Backtab, Qt::ShiftModifier);
-    QCOMPARE(page->focusWidget(), button(stop));
 }
 
 void tst_WidgetAnalyzeWaiting::slotsOfTheMetaObject()
@@ -462,7 +468,8 @@ void tst_WidgetAnalyzeWaiting::stoppedEvent()
 void tst_WidgetAnalyzeWaiting::ignoredEvents()
 {
     // The end of the enumeration and the answer about updates change nothing.
-    model->emitModelEvent(FindAllFilesStartedEvent());
+    model->emitModelEvent(CountingFilesInFolderEvent(250, QStringLiteral("/b")));
+    model->emitModelEvent(FindDuplicatedFilesFinishedEvent({}));
     const QStringList before = wholeState();
     model->emitModelEvent(FindAllFilesFinishedEvent());
     model->emitModelEvent(
