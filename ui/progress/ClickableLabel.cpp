@@ -65,7 +65,7 @@ ClickableLabel::ClickableLabel(const QString &caption, QWidget *parent)
     , text(caption)
 {
     installInterface();
-    // The icon stands at the top and the caption in the middle: they agree at the height of the icon.
+    // The icon stands at the top, the caption in the middle: no taller than the icon, they agree.
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setFocusPolicy(Qt::TabFocus);
     setAccessibleName(text);

@@ -76,7 +76,7 @@ void tst_AboutWidget::footer()
 
 void tst_AboutWidget::order()
 {
-    // From the top: logo, text, and at the bottom the homepage on the left, the rights on the right.
+    // From the top: logo, text, and at the bottom the homepage at the left, the rights opposite.
     AboutWidget box;
     box.show();
     QVERIFY(QTest::qWaitForWindowExposed(&box));

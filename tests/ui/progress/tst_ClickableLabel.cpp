@@ -323,7 +323,7 @@ void tst_ClickableLabel::highlightUnderTheMouse_data()
 
 void tst_ClickableLabel::highlightUnderTheMouse()
 {
-    // The highlight comes with the mouse, covers the label to its rounded corners, and goes with it.
+    // The highlight comes with the mouse, fills the label to its rounded corners, and goes again.
     QFETCH(bool, enabled);
     QFETCH(QColor, color);
     Shown shown(caption());

@@ -231,7 +231,7 @@ void tst_WidgetAnalyzeWaiting::order()
 
 void tst_WidgetAnalyzeWaiting::focusOrder()
 {
-    // Tab reaches the stop alone while a scan runs, then the way back and the results, in the row's order.
+    // Tab reaches the stop alone while a scan runs, and after it the way back, then the results.
     QPushButton outside(page.get());
     model->emitModelEvent(FindAllFilesStartedEvent());
     page->show();
