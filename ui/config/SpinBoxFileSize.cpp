@@ -16,7 +16,7 @@ namespace
 enum Unit { Kilobytes, Megabytes, Gigabytes };
 
 constexpr qint64 kilobytesPerMegabyte = 1024;
-constexpr qint64 kilobytesPerGigabyte = 1024 * 1024;
+constexpr qint64 kilobytesPerGigabyte = kilobytesPerMegabyte * 1024;
 
 /**
  * The toolkit's Return key announces a new value even if it is the old one. Here that would replace
@@ -124,6 +124,8 @@ void SpinBoxFileSize::updateView()
 {
     // A change of unit must not change the size, although the number shows less of it.
     const QSignalBlocker blocker(spinBox);
+    const qint64 wholeMegabytes = storedSizeInKbytes / kilobytesPerMegabyte;
+    const qint64 wholeGigabytes = storedSizeInKbytes / kilobytesPerGigabyte;
     switch (unitComboBox->currentIndex()) {
     case Kilobytes:
         spinBox->setValue(static_cast<double>(storedSizeInKbytes));
@@ -132,12 +134,12 @@ void SpinBoxFileSize::updateView()
         break;
     case Megabytes:
         spinBox->setDecimals(1);
-        spinBox->setValue(static_cast<double>(storedSizeInKbytes / kilobytesPerMegabyte));
+        spinBox->setValue(static_cast<double>(wholeMegabytes));
         unit = Megabytes;
         break;
     case Gigabytes:
         spinBox->setDecimals(2);
-        spinBox->setValue(static_cast<double>(storedSizeInKbytes / kilobytesPerGigabyte));
+        spinBox->setValue(static_cast<double>(wholeGigabytes));
         unit = Gigabytes;
         break;
     default:

@@ -100,7 +100,7 @@ QString FileTypesEditWidget::refusal() const
     if (currentMask.isEmpty() && allMasks.contains(nameLineEdit->text())) {
         return QStringLiteral("Mask with current name was created. Please, use another name.");
     }
-    return QString();
+    return {};
 }
 
 void FileTypesEditWidget::finish()
