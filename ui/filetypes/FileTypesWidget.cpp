@@ -174,8 +174,6 @@ void FileTypesWidget::createList()
     listWidget->setItemDelegate(new EntryDelegate(listWidget));
     listWidget->setAccessibleName(QStringLiteral("File Types"));
     connect(listWidget, SIGNAL(itemSelectionChanged()), this, SLOT(onListSelectionChanged()));
-    // A key selects the new row before it makes it the current one.
-    connect(listWidget, SIGNAL(currentRowChanged(int)), this, SLOT(onListSelectionChanged()));
     // clang-format off
     connect(listWidget, SIGNAL(itemClicked(QListWidgetItem*)),
             this, SLOT(onItemClicked(QListWidgetItem*)));
