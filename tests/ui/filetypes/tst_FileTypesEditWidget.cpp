@@ -49,6 +49,7 @@ private:
     void type(const QString &name, const QString &masks) const;
     void press(const QString &text) const;
 
+    std::unique_ptr<ModalDriver> driver;
     QPointer<FileTypesEditWidget> editor;
     std::unique_ptr<QSignalSpy> added;
     std::unique_ptr<QSignalSpy> edited;
@@ -57,6 +58,8 @@ private:
 void tst_FileTypesEditWidget::init()
 {
     TestCase::init();
+    // Refuses boxes that no test has announced; a test would wait for their answer.
+    driver = std::make_unique<ModalDriver>();
     editor = new FileTypesEditWidget(nullptr);
     added = std::make_unique<QSignalSpy>(editor.data(), SIGNAL(addNewMask(QString)));
     // clang-format off
@@ -70,7 +73,10 @@ void tst_FileTypesEditWidget::cleanup()
     delete editor;
     added.reset();
     edited.reset();
+    const QStringList failures = driver->failures();
+    driver.reset();
     TestCase::cleanup();
+    QCOMPARE(failures, QStringList());
 }
 
 QLineEdit *tst_FileTypesEditWidget::field(int index) const
@@ -219,15 +225,14 @@ void tst_FileTypesEditWidget::okWithoutBothFieldsIsRefused()
     // A warning names the empty field, nothing is told, and the window stays as it was.
     QFETCH(const QString, name);
     QFETCH(const QString, masks);
-    ModalDriver driver;
-    driver.expectMessageBox(QStringLiteral("Warning"),
-                            QStringLiteral("One of fields are empty!"),
-                            QMessageBox::Ok,
-                            QMessageBox::Ok);
+    driver->expectMessageBox(QStringLiteral("Warning"),
+                             QStringLiteral("One of fields are empty!"),
+                             QMessageBox::Ok,
+                             QMessageBox::Ok);
     editor->setAllFilesMask({QStringLiteral("Lonely")});
     type(name, masks);
     press(QStringLiteral("Ok"));
-    QCOMPARE(driver.failures(), QStringList());
+    QCOMPARE(driver->failures(), QStringList());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!editor.isNull() && editor->isVisible());
     QVERIFY(added->isEmpty() && edited->isEmpty());
@@ -238,8 +243,7 @@ void tst_FileTypesEditWidget::okWithoutBothFieldsIsRefused()
 void tst_FileTypesEditWidget::nameThatIsAWholeEntryIsRefused()
 {
     // A new name equal to an entry without a bar is refused; corrected, it is taken.
-    ModalDriver driver;
-    driver.expectMessageBox(
+    driver->expectMessageBox(
         QStringLiteral("Warning"),
         QStringLiteral("Mask with current name was created. Please, use another name."),
         QMessageBox::Ok,
@@ -247,7 +251,7 @@ void tst_FileTypesEditWidget::nameThatIsAWholeEntryIsRefused()
     editor->setAllFilesMask({QStringLiteral("A|*.x"), QStringLiteral("Lonely")});
     type(QStringLiteral("Lonely"), QStringLiteral("*.y"));
     press(QStringLiteral("Ok"));
-    QCOMPARE(driver.failures(), QStringList());
+    QCOMPARE(driver->failures(), QStringList());
     QVERIFY(added->isEmpty() && editor->isVisible());
     type(QStringLiteral("2"), QString());
     press(QStringLiteral("Ok"));

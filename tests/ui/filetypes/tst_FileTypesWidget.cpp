@@ -45,6 +45,7 @@ private slots:
 
     void firstRowCannotBeChanged_data();
     void firstRowCannotBeChanged();
+    void rowFoundByTypingDecides();
     void anyFileIsExclusive();
     void clickOnTheTextOfAnyFileUnticksTheOthers();
     void clickOnTheTextOfAnotherRowUnticksAnyFile();
@@ -86,12 +87,15 @@ private:
     static FileTypesEditWidget *editor();
     static void typeAndAccept(const QString &name, const QString &masks);
 
+    std::unique_ptr<ModalDriver> driver;
     QPointer<FileTypesWidget> window;
 };
 
 void tst_FileTypesWidget::init()
 {
     TestCase::init();
+    // Refuses boxes that no test has announced; a test would wait for their answer.
+    driver = std::make_unique<ModalDriver>();
     allowMessages(QRegularExpression(QStringLiteral("^(SEE|write) ")));
 }
 
@@ -99,7 +103,10 @@ void tst_FileTypesWidget::cleanup()
 {
     delete window;
     delete editor();
+    const QStringList failures = driver->failures();
+    driver.reset();
     TestCase::cleanup();
+    QCOMPARE(failures, QStringList());
 }
 
 QString tst_FileTypesWidget::dataFolder() const
@@ -182,13 +189,12 @@ void tst_FileTypesWidget::clickCheckBox(int row) const
 
 void tst_FileTypesWidget::answerQuestion(QMessageBox::StandardButton answer) const
 {
-    ModalDriver driver;
-    driver.expectMessageBox(QStringLiteral("Question"),
-                            QStringLiteral("Are you sure?"),
-                            QMessageBox::Yes | QMessageBox::No,
-                            answer);
+    driver->expectMessageBox(QStringLiteral("Question"),
+                             QStringLiteral("Are you sure?"),
+                             QMessageBox::Yes | QMessageBox::No,
+                             answer);
     press(QStringLiteral("Delete"));
-    QCOMPARE(driver.failures(), QStringList());
+    QCOMPARE(driver->failures(), QStringList());
 }
 
 QByteArray tst_FileTypesWidget::saved() const
@@ -455,6 +461,22 @@ void tst_FileTypesWidget::firstRowCannotBeChanged()
     QVERIFY(move(8, Qt::Key_End));
 }
 
+void tst_FileTypesWidget::rowFoundByTypingDecides()
+{
+    // A row that becomes current by its first letter counts at once, as does the first row.
+    openWindow();
+    QTest::keyClick(list(), Qt::Key_P);
+    QCOMPARE(list()->currentRow(), 5);
+    QVERIFY(button(QStringLiteral("Edit"))->isEnabled());
+    QVERIFY(button(QStringLiteral("Delete"))->isEnabled());
+    list()->setCurrentRow(0);
+    QVERIFY(!button(QStringLiteral("Edit"))->isEnabled());
+    QVERIFY(!button(QStringLiteral("Delete"))->isEnabled());
+    list()->setCurrentRow(1);
+    QVERIFY(button(QStringLiteral("Edit"))->isEnabled());
+    QVERIFY(button(QStringLiteral("Delete"))->isEnabled());
+}
+
 void tst_FileTypesWidget::anyFileIsExclusive()
 {
     // Ticking "Any File" unticks all others, ticking another one unticks "Any File" alone.
@@ -529,8 +551,7 @@ void tst_FileTypesWidget::addRefusesAWholeEntry()
     writeMaskFile("Any|*.*\nLonely");
     openWindow();
     press(QStringLiteral("Add"));
-    ModalDriver driver;
-    driver.expectMessageBox(
+    driver->expectMessageBox(
         QStringLiteral("Warning"),
         QStringLiteral("Mask with current name was created. Please, use another name."),
         QMessageBox::Ok,
@@ -539,7 +560,7 @@ void tst_FileTypesWidget::addRefusesAWholeEntry()
     QTest::keyClicks(fields.at(0), QStringLiteral("Lonely"));
     QTest::keyClicks(fields.at(1), QStringLiteral("*.y"));
     QTest::mouseClick(editor()->findChildren<QPushButton *>().first(), Qt::LeftButton);
-    QCOMPARE(driver.failures(), QStringList());
+    QCOMPARE(driver->failures(), QStringList());
     QCOMPARE(rows().size(), 2);
 }
 
