@@ -28,9 +28,14 @@ FileSystemTreeModel::FileSystemTreeModel(QObject *parent)
 
 QStringList FileSystemTreeModel::selectedFolders(const QModelIndex &index) const
 {
+    const QString path = filePath(index);
+    const Qt::CheckState state = stateOf(index);
+    if (state == Qt::Checked && !isExcludedRoot(path)) {
+        return QStringList(path);
+    }
     QStringList folders;
-    if (!index.isValid() || stateOf(index) != Qt::Unchecked) {
-        appendSelected(index, filePath(index), &folders);
+    if (!index.isValid() || state != Qt::Unchecked) {
+        appendSelected(index, path, &folders);
     }
     return folders;
 }
@@ -208,22 +213,24 @@ void FileSystemTreeModel::appendSelected(const QModelIndex &index,
                                          const QString &path,
                                          QStringList *folders) const
 {
-    if (stateOf(index) == Qt::Checked && !isExcludedRoot(path)) {
-        folders->append(path);
-        return;
-    }
     const bool canBuildOn = index.isValid() && !fileInfo(index).isSymLink();
     const QString prefix = path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
     const int count = rowCount(index);
     for (int row = 0; row < count; ++row) {
         const QModelIndex child = this->index(row, 0, index);
-        if (stateOf(child) == Qt::Unchecked) {
+        const Qt::CheckState state = stateOf(child);
+        if (state == Qt::Unchecked) {
             continue;
         }
         const bool isPlain = canBuildOn && !fileInfo(child).isSymLink();
-        const QString childPath =
-            isPlain ? prefix + child.data(FileNameRole).toString() : filePath(child);
-        appendSelected(child, childPath, folders);
+        const QString childPath = isPlain
+            ? prefix + QFileSystemModel::data(child, FileNameRole).toString()
+            : filePath(child);
+        if (state == Qt::Checked && !isExcludedRoot(childPath)) {
+            folders->append(childPath);
+        } else {
+            appendSelected(child, childPath, folders);
+        }
     }
 }
 
