@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+#include "engine/BucketJudge.h"
+
+#include "engine/FileComparison.h"
+#include "engine/RegularFile.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace
+{
+constexpr qint64 maxHeadBytes = 4 * 1024;
+constexpr qint64 maxBytesInMemory = 64 * 1024 * 1024;
+} // namespace
+
+BucketJudge::BucketJudge(const QStringList &bucket)
+    : paths(bucket)
+    , files(static_cast<std::size_t>(bucket.size()))
+{
+}
+
+bool BucketJudge::areEqual(int first, int second)
+{
+    readHead(first);
+    readHead(second);
+    File &a = files[static_cast<std::size_t>(first)];
+    File &b = files[static_cast<std::size_t>(second)];
+    // Sizes differ where two keys coincide. Then only the end of the first file counts, so such a
+    // verdict says nothing about any other pair.
+    if (!isTrusting || !a.isReadable || !b.isReadable || a.size != b.size) {
+        return compareWhole(first, second);
+    }
+    if (a.likeness < 0) {
+        a.likeness = first;
+    }
+    // A file with an equal before it in the bucket: that one has been compared with all files
+    // behind it. So has the first equal of b, and a is not among its equals.
+    if (b.likeness >= 0 || a.likeness != first) {
+        return a.likeness == b.likeness;
+    }
+    if (!haveSameContent(first, second)) {
+        return false;
+    }
+    b.likeness = first;
+    return true;
+}
+
+qint64 BucketJudge::sizeOf(int index)
+{
+    File &file = files[static_cast<std::size_t>(index)];
+    if (file.countedSize < 0) {
+        file.countedSize = RegularFile::sizeOf(paths.at(index));
+    }
+    return file.countedSize;
+}
+
+void BucketJudge::readHead(int index)
+{
+    File &known = files[static_cast<std::size_t>(index)];
+    if (known.isKnown) {
+        return;
+    }
+    known.isKnown = true;
+    RegularFile file;
+    if (!file.open(paths.at(index))) {
+        return;
+    }
+    if (headBytes < 0) {
+        headBytes = std::min({file.size(), maxHeadBytes, maxBytesInMemory / paths.size()});
+        heads.reset(new char[static_cast<std::size_t>(headBytes) * files.size()]);
+    }
+    known.size = file.size();
+    const qint64 bytes = std::min(known.size, headBytes);
+    char *const head = heads.get() + index * headBytes;
+    known.isReadable = file.read(head, bytes) == bytes;
+}
+
+const char *BucketJudge::headOf(int index) const
+{
+    return heads.get() + index * headBytes;
+}
+
+bool BucketJudge::haveSameContent(int first, int second)
+{
+    const qint64 size = files[static_cast<std::size_t>(first)].size;
+    const qint64 bytes = std::min(size, headBytes);
+    if (std::memcmp(headOf(first), headOf(second), static_cast<std::size_t>(bytes)) != 0) {
+        return false;
+    }
+    return bytes == size || compareWhole(first, second);
+}
+
+bool BucketJudge::compareWhole(int first, int second)
+{
+    const auto verdict = FileComparison::compare(paths.at(first), paths.at(second));
+    const File &a = files[static_cast<std::size_t>(first)];
+    const File &b = files[static_cast<std::size_t>(second)];
+    // A file that broke after its beginning had been read has made earlier verdicts worthless.
+    if (verdict == FileComparison::Verdict::Failed && a.isReadable && b.isReadable) {
+        isTrusting = false;
+    }
+    return verdict == FileComparison::Verdict::Equal;
+}

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include "engine/FileKey.h"
+
+#include "engine/Crc32.h"
+#include "engine/RegularFile.h"
+#include "engine/ScanProfile.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QThread>
+
+#include <algorithm>
+#include <memory>
+
+namespace
+{
+constexpr qint64 minBlockBytes = 4 * 1024;
+constexpr qint64 maxBlockBytes = 128 * 1024;
+
+QDateTime creationTime(const QFileInfo &info)
+{
+    // birthTime() is no substitute: where the file system keeps none, created() falls back to the
+    // last change of the file's metadata.
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    return info.created();
+    QT_WARNING_POP
+}
+} // namespace
+
+QString FileKey::ofAttributes(const QString &path, const ScanProfile &profile)
+{
+    QByteArray key = QByteArray::number(RegularFile::sizeOf(path));
+    if (profile.sameFileName || profile.sameFileExtension || profile.sameDateOfCreation) {
+        const QFileInfo info(path);
+        if (profile.sameFileName) {
+            key += info.baseName().toLocal8Bit();
+        }
+        if (profile.sameFileExtension) {
+            key += info.completeSuffix().toLocal8Bit();
+        }
+        if (profile.sameDateOfCreation) {
+            key += creationTime(info).toString(Qt::TextDate).toLocal8Bit();
+        }
+    }
+    return QString::fromLatin1(key.toBase64());
+}
+
+QString FileKey::ofCrc(const QString &path)
+{
+    return QString::number(Crc32().calculateFromFile(path));
+}
+
+QString FileKey::ofHash(const QString &path, QCryptographicHash::Algorithm algorithm)
+{
+    RegularFile file;
+    if (!file.open(path)) {
+        return QString();
+    }
+    const qint64 bufferBytes = std::clamp(file.size() + 1, minBlockBytes, maxBlockBytes);
+    const std::unique_ptr<char[]> buffer(new char[static_cast<std::size_t>(bufferBytes)]);
+    QCryptographicHash hash(algorithm);
+    qint64 done = 0;
+    qint64 bytes = bufferBytes;
+    while (bytes == bufferBytes) {
+        bytes = file.read(buffer.get(), bufferBytes);
+        if (bytes < 0 || QThread::currentThread()->isInterruptionRequested()) {
+            return QString();
+        }
+        hash.addData(buffer.get(), static_cast<int>(bytes));
+        done += bytes;
+    }
+    // A file that has been cut short since it was opened has no key.
+    return done < file.size() ? QString() : QString::fromLatin1(hash.result().toBase64());
+}

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "engine/FolderListing.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace
+{
+// Lower case as the toolkit compares it, made once for each name.
+template<typename Entry>
+struct Sortable {
+    QString lowerName;
+    Entry entry;
+};
+
+const QString &nameOf(const QString &file)
+{
+    return file;
+}
+
+const QString &nameOf(const FolderListing::Folder &folder)
+{
+    return folder.name;
+}
+
+template<typename List>
+void sortByName(List *list)
+{
+    using Entry = typename List::value_type;
+    std::vector<Sortable<Entry>> sortables;
+    sortables.reserve(static_cast<std::size_t>(list->size()));
+    for (const Entry &entry : qAsConst(*list)) {
+        sortables.push_back({nameOf(entry).toLower(), entry});
+    }
+    std::sort(sortables.begin(), sortables.end(), [](const auto &a, const auto &b) {
+        const int order = a.lowerName.compare(b.lowerName);
+        return order != 0 ? order < 0 : nameOf(a.entry) < nameOf(b.entry);
+    });
+    for (int i = 0; i < list->size(); ++i) {
+        (*list)[i] = std::move(sortables[static_cast<std::size_t>(i)].entry);
+    }
+}
+} // namespace
+
+void FolderListing::sort(Entries *entries)
+{
+    sortByName(&entries->files);
+    sortByName(&entries->folders);
+}

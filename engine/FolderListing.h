@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+class FileMasks;
+
+/** Lists a folder as QDir::entryInfoList() does, without a QFileInfo for each entry. */
+namespace FolderListing
+{
+struct Folder {
+    QString name;
+    bool isLink;
+};
+
+struct Entries {
+    QStringList files;
+    QVector<Folder> folders;
+};
+
+/**
+ * The names in a folder, hidden ones left out: the regular files that match the masks, and the
+ * folders, among which are links to folders. Like the toolkit it also counts links to devices, to
+ * FIFOs and to sockets among the folders, and leaves out names that are no valid UTF-8. A folder
+ * that cannot be read is empty.
+ *
+ * Both lists are sorted by name ignoring case, names that differ in case alone by their characters.
+ * The toolkit sorts so when it is asked for QDir::NoSort, which stands for the sorting of the QDir.
+ */
+Entries list(const QString &folder, const FileMasks &masks);
+
+/** The sorting of list(), for its implementations. */
+void sort(Entries *entries);
+} // namespace FolderListing

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "engine/FileMasks.h"
+#include "engine/FolderListing.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTextCodec>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace
+{
+struct CloseDir {
+    void operator()(DIR *dir) const { ::closedir(dir); }
+};
+
+bool isAscii(const QByteArray &name)
+{
+    return std::all_of(name.cbegin(), name.cend(), [](char c) { return (c & 0x80) == 0; });
+}
+
+bool isUtf8(const QByteArray &name)
+{
+    static const QTextCodec *const codec = QTextCodec::codecForName("UTF-8");
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+    codec->toUnicode(name.constData(), name.size(), &state);
+    return state.invalidChars == 0 && state.remainingChars == 0;
+}
+
+// A null string for a name that the toolkit does not list.
+QString decode(const char *rawName)
+{
+    const QByteArray name(rawName);
+    if (isAscii(name)) {
+        return QString::fromLatin1(name);
+    }
+    // The slash keeps a byte order mark at the start of the name from being swallowed.
+    return isUtf8(name) ? QFile::decodeName('/' + name).mid(1) : QString();
+}
+
+mode_t typeOf(int dirDescriptor, const char *name, int flags)
+{
+    struct stat status = {};
+    return ::fstatat(dirDescriptor, name, &status, flags) == 0 ? status.st_mode & S_IFMT : 0;
+}
+
+mode_t typeOf(int dirDescriptor, const dirent &entry)
+{
+    // Some file systems do not tell the type of an entry with its name.
+    return entry.d_type != DT_UNKNOWN ? DTTOIF(entry.d_type)
+                                      : typeOf(dirDescriptor, entry.d_name, AT_SYMLINK_NOFOLLOW);
+}
+
+void addEntry(FolderListing::Entries *entries,
+              const FileMasks &masks,
+              int dirDescriptor,
+              const dirent &entry)
+{
+    const mode_t type = typeOf(dirDescriptor, entry);
+    if (type != S_IFREG && type != S_IFDIR && type != S_IFLNK) {
+        return;
+    }
+    if (type == S_IFLNK) {
+        const mode_t target = typeOf(dirDescriptor, entry.d_name, 0);
+        if (target == 0 || target == S_IFREG) {
+            return;
+        }
+    }
+    const QString name = decode(entry.d_name);
+    if (name.isNull()) {
+        return;
+    }
+    if (type != S_IFREG) {
+        entries->folders.append({name, type == S_IFLNK});
+    } else if (masks.match(name)) {
+        entries->files.append(name);
+    }
+}
+} // namespace
+
+FolderListing::Entries FolderListing::list(const QString &folder, const FileMasks &masks)
+{
+    Entries entries;
+    const QByteArray path = QFile::encodeName(QDir(folder).path());
+    const std::unique_ptr<DIR, CloseDir> dir(::opendir(path.constData()));
+    if (!dir) {
+        return entries;
+    }
+    while (const dirent *const entry = ::readdir(dir.get())) {
+        if (entry->d_name[0] != '.') {
+            addEntry(&entries, masks, ::dirfd(dir.get()), *entry);
+        }
+    }
+    sort(&entries);
+    return entries;
+}

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#include "engine/FileMasks.h"
+#include "engine/FolderListing.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+FolderListing::Entries FolderListing::list(const QString &folder, const FileMasks &masks)
+{
+    const QDir dir(folder);
+    Entries entries;
+    const QFileInfoList files =
+        dir.entryInfoList(masks.nameFilters(),
+                          QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot,
+                          QDir::NoSort);
+    for (const QFileInfo &file : files) {
+        entries.files.append(file.fileName());
+    }
+    const QFileInfoList folders =
+        dir.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
+    for (const QFileInfo &subfolder : folders) {
+        entries.folders.append({subfolder.fileName(), subfolder.isSymLink()});
+    }
+    // The toolkit leaves the order of names that differ in case alone to chance.
+    sort(&entries);
+    return entries;
+}

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+/**
+ * A regular file, open for reading from its start to its end without a buffer of its own.
+ *
+ * Anything else than a regular file (a FIFO, a device, a folder) is refused without waiting for it.
+ * A failed read is told apart from the end. Closed when it goes out of scope.
+ */
+class RegularFile final
+{
+public:
+    RegularFile();
+    ~RegularFile();
+
+    RegularFile(const RegularFile &) = delete;
+    RegularFile &operator=(const RegularFile &) = delete;
+
+    bool open(const QString &path);
+    /** Bytes that the file had when it was opened. */
+    qint64 size() const;
+    /** Bytes read, fewer than asked for only at the end; -1 when reading failed. */
+    qint64 read(char *data, qint64 maxBytes);
+    /** Why open() or read() failed, as the system words it. */
+    QString errorString() const;
+
+    /** Bytes of the file or of the target of a link, without opening it; 0 where there is none. */
+    static qint64 sizeOf(const QString &path);
+
+private:
+    struct Handle;
+
+    std::unique_ptr<Handle> handle;
+};

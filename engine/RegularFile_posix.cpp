@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "engine/RegularFile.h"
+
+#include <QFile>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+struct RegularFile::Handle {
+    int descriptor = -1;
+    qint64 bytes = 0;
+    QString error;
+
+    Handle() = default;
+    Handle(const Handle &) = delete;
+    Handle &operator=(const Handle &) = delete;
+    ~Handle() { close(); }
+
+    void close()
+    {
+        if (descriptor >= 0) {
+            ::close(descriptor);
+            descriptor = -1;
+        }
+    }
+
+    bool fail(const QString &reason)
+    {
+        error = reason;
+        close();
+        return false;
+    }
+};
+
+RegularFile::RegularFile()
+    : handle(std::make_unique<Handle>())
+{
+}
+
+RegularFile::~RegularFile() = default;
+
+bool RegularFile::open(const QString &path)
+{
+    handle->close();
+    // A FIFO without a writer would hold a blocking open, and a terminal would become our own.
+    do {
+        handle->descriptor = ::open(QFile::encodeName(path).constData(),
+                                    O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    } while (handle->descriptor < 0 && errno == EINTR);
+    struct stat status = {};
+    if (handle->descriptor < 0 || ::fstat(handle->descriptor, &status) != 0) {
+        return handle->fail(qt_error_string(errno));
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return handle->fail(QStringLiteral("file to open is a directory"));
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return handle->fail(QStringLiteral("not a regular file"));
+    }
+    handle->bytes = status.st_size;
+    return true;
+}
+
+qint64 RegularFile::size() const
+{
+    return handle->bytes;
+}
+
+qint64 RegularFile::read(char *data, qint64 maxBytes)
+{
+    qint64 done = 0;
+    while (done < maxBytes) {
+        const ssize_t bytes =
+            ::read(handle->descriptor, data + done, static_cast<std::size_t>(maxBytes - done));
+        if (bytes == 0) {
+            break;
+        }
+        if (bytes > 0) {
+            done += bytes;
+        } else if (errno != EINTR) {
+            handle->error = qt_error_string(errno);
+            return -1;
+        }
+    }
+    return done;
+}
+
+QString RegularFile::errorString() const
+{
+    return handle->error;
+}
+
+qint64 RegularFile::sizeOf(const QString &path)
+{
+    struct stat status = {};
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_size : 0;
+}
