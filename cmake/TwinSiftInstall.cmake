@@ -119,10 +119,7 @@ install(FILES ${prepared}/twinsift.1.gz
 install(FILES ${prepared}/copyright ${prepared}/changelog.gz
     DESTINATION ${share}/doc/twinsift COMPONENT desktop ${but_on_macos})
 
-if(TARGET twinsift-scan)
-    set(console_program twinsift-scan)
-    install(TARGETS twinsift-scan RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT console)
-endif()
+install(TARGETS twinsift-scan RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT console)
 install(FILES ${prepared}/twinsift-scan.1.gz
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT console)
 install(FILES ${packaging}/completions/twinsift-scan.bash RENAME twinsift-scan
@@ -141,7 +138,7 @@ install(FILES ${packaging}/linux/lintian-overrides RENAME twinsift
     DESTINATION ${share}/lintian/overrides COMPONENT debian EXCLUDE_FROM_ALL)
 
 set(contents TwinSift.app/Contents)
-install(TARGETS twinsift ${console_program}
+install(TARGETS twinsift twinsift-scan
     RUNTIME DESTINATION ${contents}/MacOS COMPONENT bundle ${only_on_macos})
 install(FILES ${prepared}/Info.plist ${packaging}/macos/PkgInfo
     DESTINATION ${contents} COMPONENT bundle ${only_on_macos})
