@@ -8,6 +8,8 @@ cmake --build "$TWINSIFT_RELEASE" || fail "the release cannot be built"
 # Without the last two the package would be made with no word on what it depends on.
 need dpkg dpkg-deb dpkg-shlibdeps file
 rm -rf "$TWINSIFT_PACKAGE"
+# The strictest umask that a maker may have; PackageContents looks at the modes.
+umask 077
 cpack --config "$TWINSIFT_RELEASE/CPackConfig.cmake" -B "$TWINSIFT_PACKAGE" || fail "cpack"
 same "the name of the package" \
     "twinsift_$(product version)-1_$(dpkg --print-architecture).deb" \

@@ -21,6 +21,7 @@ for library in libc6 libstdc++6 libqt5core5a libqt5gui5 libqt5widgets5 libqt5net
     esac
 done
 
+umask 022
 dpkg-deb --raw-extract "$package" "$scratch/tree"
 cd "$scratch/tree"
 md5sum --quiet -c DEBIAN/md5sums
