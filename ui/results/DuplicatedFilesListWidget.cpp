@@ -86,7 +86,6 @@ DuplicatedFilesListWidget::DuplicatedFilesListWidget(Model *eventHub, MainWindow
     createTable();
     layout->addWidget(tableView);
     layout->addLayout(createNavigationRow());
-    setTabOrders();
     connect(model,
             SIGNAL(modelEvent(const ModelEvent*)),
             this,
@@ -322,16 +321,9 @@ void DuplicatedFilesListWidget::createTable()
     tableView->resizeColumnToContents(DuplicatedFilesTableModel::SizeColumn);
     tableView->setSelectionMode(QAbstractItemView::SingleSelection);
     tableView->setSelectionBehavior(QAbstractItemView::SelectRows);
+    // There is nothing to edit in a cell, so Tab goes on to the next control.
+    tableView->setTabKeyNavigation(false);
     tableView->installEventFilter(this);
-}
-
-void DuplicatedFilesListWidget::setTabOrders()
-{
-    setTabOrder(selectAllButton, unselectAllButton);
-    setTabOrder(unselectAllButton, saveListButton);
-    setTabOrder(saveListButton, deleteSelectedFilesButton);
-    setTabOrder(deleteSelectedFilesButton, tableView);
-    setTabOrder(tableView, scanConfigurationButton);
 }
 
 ClickableLabel *DuplicatedFilesListWidget::createButton(const QString &text,

@@ -58,7 +58,6 @@ private:
     QHBoxLayout *createActionRow();
     QHBoxLayout *createNavigationRow();
     void createTable();
-    void setTabOrders();
     ClickableLabel *createButton(const QString &text,
                                  const QString &picture,
                                  int height,

@@ -292,7 +292,6 @@ void tst_DuplicatedFilesListWidget::tabsThroughTheControls()
                                     results.table(),
                                     results.button(QStringLiteral("Scan Configuration"))};
     chain.first()->setFocus();
-    results.table()->setTabKeyNavigation(false);
     for (int i = 1; i < chain.size(); ++i) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), chain.at(i));

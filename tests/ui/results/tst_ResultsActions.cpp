@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMap>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QTableView>
@@ -20,16 +21,29 @@
 
 namespace
 {
-/** Counts the paint events of a widget itself. */
-class PaintCounter final : public QObject
+/** Notes the events of one type each that widgets get. */
+class EventRecorder final : public QObject
 {
 public:
+    explicit EventRecorder(const QMap<QWidget *, QEvent::Type> &widgets)
+        : watchedTypes(widgets)
+    {
+        for (auto widget = widgets.begin(); widget != widgets.end(); ++widget) {
+            widget.key()->installEventFilter(this);
+        }
+    }
     bool eventFilter(QObject *watched, QEvent *event) override
     {
-        count += event->type() == QEvent::Paint ? 1 : 0;
+        if (watchedTypes.value(qobject_cast<QWidget *>(watched)) == event->type()) {
+            seen.append(event->type());
+        }
         return QObject::eventFilter(watched, event);
     }
-    int count = 0;
+    QList<QEvent::Type> types() const { return seen; }
+
+private:
+    QMap<QWidget *, QEvent::Type> watchedTypes;
+    QList<QEvent::Type> seen;
 };
 
 /** While it lives, no file of this process grows beyond a number of bytes. */
@@ -202,49 +216,23 @@ void tst_ResultsActions::nothingTickedIsCompleteAtOnce()
 
 void tst_ResultsActions::closesTheWayBackWhileItMoves()
 {
-    // The way back is closed while files move and open in the last box; the view is repainted for
-    // each file.
+    // The way back is closed while files move and open again before the last box; the view is
+    // repainted once for each file.
     const TempTree tree(path(QString()));
     ResultsPage results;
     results.scanned({{tree.file(QStringLiteral("a")),
                       tree.file(QStringLiteral("b")),
                       tree.file(QStringLiteral("c"))}});
-    PaintCounter paints;
-    results.table()->installEventFilter(&paints);
-    const ClickableLabel *const back = results.button(QStringLiteral("Scan Configuration"));
-    QList<bool> seen;
-    class EnabledChanges final : public QObject
-    {
-    public:
-        EnabledChanges(const QWidget *target, QList<bool> *list)
-            : widget(target)
-            , states(list)
-        {
-        }
-        bool eventFilter(QObject *watched, QEvent *event) override
-        {
-            if (event->type() == QEvent::EnabledChange) {
-                states->append(widget->isEnabled());
-            }
-            return QObject::eventFilter(watched, event);
-        }
-        const QWidget *widget;
-        QList<bool> *states;
-    } changes(back, &seen);
-    results.button(QStringLiteral("Scan Configuration"))->installEventFilter(&changes);
-    int paintsInTheLastBox = 0;
-    results.boxes.expect(
-        QStringLiteral("Complete!"),
-        [&](QWidget *) {
-            paintsInTheLastBox = paints.count;
-            return back->isEnabled() ? QString() : QStringLiteral("the way back is closed");
-        },
-        [](QWidget *box) { QTest::keyClick(box, Qt::Key_Return); });
-    paints.count = 0;
+    ClickableLabel *const back = results.button(QStringLiteral("Scan Configuration"));
+    QVERIFY(QTest::qWaitForWindowExposed(&results.window));
+    const EventRecorder recorder({{results.table(), QEvent::Paint}, {back, QEvent::EnabledChange}});
+    results.expectComplete();
     results.page.deleteSelectedFiles();
     QCOMPARE(results.boxes.failures(), QStringList());
-    QCOMPARE(seen, QList<bool>({false, true}));
-    QVERIFY(paintsInTheLastBox >= 2);
+    QVERIFY(back->isEnabled());
+    QCOMPARE(recorder.types().mid(0, 4),
+             QList<QEvent::Type>(
+                 {QEvent::EnabledChange, QEvent::Paint, QEvent::Paint, QEvent::EnabledChange}));
 }
 
 void tst_ResultsActions::closingTheQuestionIsNo()
