@@ -284,6 +284,8 @@ void tst_DuplicatedFilesListWidget::tabsThroughTheControls()
 {
     // The focus goes from the actions over the table to the way back, and the same way back again.
     ResultsPage results;
+    results.scanned(twoGroups());
+    results.clickCell(1, 1);
     QApplication::setActiveWindow(&results.window);
     const QList<QWidget *> chain = {results.button(QStringLiteral("Select All")),
                                     results.button(QStringLiteral("Unselect All")),
