@@ -12,6 +12,7 @@
 
 #include <QAction>
 #include <QCursor>
+#include <QDebug>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
@@ -20,7 +21,6 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLoggingCategory>
 #include <QMenu>
 #include <QSaveFile>
 #include <QTableView>
@@ -29,8 +29,6 @@
 
 namespace
 {
-Q_LOGGING_CATEGORY(results, "twinsift.results")
-
 constexpr int configurationPage = 0;
 constexpr int actionPictureHeight = 24;
 constexpr int navigationPictureHeight = 48;
@@ -98,7 +96,7 @@ void DuplicatedFilesListWidget::deleteSelectedFiles()
     const QStringList paths = tableModel->selectedFiles();
     for (const QString &path : paths) {
         if (!moveFileToTrash(path)) {
-            qCDebug(results).noquote() << QStringLiteral("Cannot remove file:") << path;
+            qDebug().noquote() << QStringLiteral("Cannot remove file:") << path;
         }
         tableView->repaint();
     }
@@ -140,7 +138,7 @@ bool DuplicatedFilesListWidget::moveFileToTrash(const QString &path)
     return Trash::moveFile(path);
 }
 
-void DuplicatedFilesListWidget::removeFile(QString path)
+void DuplicatedFilesListWidget::removeFile(const QString &path)
 {
     const auto answer = showBox(QMessageBox::Question,
                                 QStringLiteral("Delete Duplicated Files"),

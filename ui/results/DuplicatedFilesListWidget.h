@@ -28,7 +28,7 @@ class DuplicatedFilesListWidget final : public QWidget
     Q_DISABLE_COPY(DuplicatedFilesListWidget)
 
 public:
-    DuplicatedFilesListWidget(Model *model, MainWindow *mainWindow);
+    DuplicatedFilesListWidget(Model *eventHub, MainWindow *window);
 
     /**
      * Moves the ticked files to the trash, without events in between, and says that it is done
@@ -40,7 +40,7 @@ public:
     /** True if the file is in the trash now, false if it is still in its place. */
     bool moveFileToTrash(const QString &path);
     /** Asks, then deletes for good. */
-    void removeFile(QString path);
+    void removeFile(const QString &path);
 
 public slots:
     void onModelEvent(const ModelEvent *modelEvent);

@@ -38,9 +38,9 @@ QSize toolTipSize(const QSize &size)
         return size;
     }
     if (size.height() > size.width()) {
-        return QSize(scaledSide(size.width(), size.height()), toolTipPixels);
+        return {scaledSide(size.width(), size.height()), toolTipPixels};
     }
-    return QSize(toolTipPixels, scaledSide(size.height(), size.width()));
+    return {toolTipPixels, scaledSide(size.height(), size.width())};
 }
 
 qint64 pixelBytes(const QPixmap &pixmap)
@@ -124,7 +124,7 @@ QSize DuplicatedFilesTableModel::decorationSize(const QModelIndex &index) const
 {
     const QSize fileIcon(iconPixels, iconPixels);
     if (!isRow(index.row()) || index.column() != FilepathColumn) {
-        return QSize();
+        return {};
     }
     const QString path = rows.at(index.row())->absoluteFilePath();
     const auto icon = iconCache.constFind(path);
@@ -153,7 +153,7 @@ QVariant DuplicatedFilesTableModel::headerData(int section,
 {
     Q_UNUSED(orientation)
     if (role != Qt::DisplayRole) {
-        return QVariant();
+        return {};
     }
     switch (section) {
     case GroupColumn:
@@ -163,7 +163,7 @@ QVariant DuplicatedFilesTableModel::headerData(int section,
     case SizeColumn:
         return QStringLiteral("Size (kb)");
     default:
-        return QVariant();
+        return {};
     }
 }
 
@@ -178,7 +178,7 @@ QVariant DuplicatedFilesTableModel::data(const QModelIndex &index, int role) con
     const int row = index.row();
     const int column = index.column();
     if (!index.isValid() || !isRow(row)) {
-        return QVariant();
+        return {};
     }
     switch (role) {
     case Qt::DisplayRole:
@@ -198,21 +198,21 @@ QVariant DuplicatedFilesTableModel::data(const QModelIndex &index, int role) con
             ? QVariant(isChecked.testBit(row) ? Qt::Checked : Qt::Unchecked)
             : QVariant();
     default:
-        return QVariant();
+        return {};
     }
 }
 
 QPixmap DuplicatedFilesTableModel::pixmapFromPath(const QString &path) const
 {
     if (!QFileInfo::exists(path)) {
-        return QPixmap();
+        return {};
     }
     const auto cached = pixmapCache.constFind(path);
     if (cached != pixmapCache.constEnd()) {
         return *cached;
     }
     if (!isPicture(path)) {
-        return QPixmap();
+        return {};
     }
     const QPixmap pixmap = QPixmap::fromImage(PictureFile(path).read());
     remember(path, pixmap);
@@ -266,7 +266,7 @@ QVariant DuplicatedFilesTableModel::textOfCell(int row, int column) const
     case SizeColumn:
         return QString::number(file->size() / bytesPerKilobyte);
     default:
-        return QVariant();
+        return {};
     }
 }
 
@@ -297,7 +297,7 @@ QVariant DuplicatedFilesTableModel::background(int row) const
 QPixmap DuplicatedFilesTableModel::makeIcon(const QString &path) const
 {
     if (!QFileInfo::exists(path)) {
-        return QPixmap();
+        return {};
     }
     const auto cached = pixmapCache.constFind(path);
     if (cached != pixmapCache.constEnd()) {
@@ -307,12 +307,12 @@ QPixmap DuplicatedFilesTableModel::makeIcon(const QString &path) const
             : cached->scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     }
     if (!isPicture(path)) {
-        return QPixmap();
+        return {};
     }
     PictureFile picture(path);
     if (picture.size().isValid()
         && PictureFile::sizeAtHeight(picture.size(), iconPixels).isEmpty()) {
-        return QPixmap();
+        return {};
     }
     const QPixmap icon = QPixmap::fromImage(picture.readAtHeight(iconPixels));
     if (icon.isNull()) {

@@ -57,7 +57,7 @@ QImage PictureFile::readAtHeight(int height)
 {
     const QSize target = sizeAtHeight(announcedSize, height);
     if (target.isEmpty()) {
-        return QImage();
+        return {};
     }
     const QSize reduced = target * 2;
     if (reduced.height() < announcedSize.height()
@@ -72,7 +72,7 @@ QImage PictureFile::readAtHeight(int height)
 QSize PictureFile::sizeAtHeight(const QSize &size, int height)
 {
     if (size.isEmpty()) {
-        return QSize();
+        return {};
     }
     // Rounded as the toolkit's smooth scaling rounds.
     const qreal width = qreal(height) / size.height() * size.width() + 0.9999;
@@ -82,24 +82,26 @@ QSize PictureFile::sizeAtHeight(const QSize &size, int height)
 QSize PictureFile::headerSize()
 {
     const QByteArray format = reader.format();
-    // What these two announce to the toolkit is not what decoding them takes.
-    if (format == "gif" && !isDecodable(canvasOfGif())) {
-        return QSize();
+    // What these two announce to the toolkit is not what decoding them takes. The file is looked at
+    // before the reader moves in it.
+    QSize atLeast;
+    if (format == "gif") {
+        atLeast = canvasOfGif();
+    } else if ((format == "ico" || format == "cur") && !isDecodable(firstImageOfIcon())) {
+        return {};
     }
-    if ((format == "ico" || format == "cur") && !isDecodable(firstImageOfIcon())) {
-        return QSize();
-    }
-    return reader.size();
+    const QSize size = reader.size();
+    return size.isValid() ? size.expandedTo(atLeast) : size;
 }
 
 QSize PictureFile::canvasOfGif()
 {
     const QByteArray header = file.peek(gifCanvasOffset + 4);
     if (header.size() < gifCanvasOffset + 4) {
-        return QSize();
+        return {};
     }
-    return QSize(littleEndian<quint16>(header, gifCanvasOffset),
-                 littleEndian<quint16>(header, gifCanvasOffset + 2));
+    return {littleEndian<quint16>(header, gifCanvasOffset),
+            littleEndian<quint16>(header, gifCanvasOffset + 2)};
 }
 
 QSize PictureFile::firstImageOfIcon()
@@ -107,7 +109,7 @@ QSize PictureFile::firstImageOfIcon()
     const qint64 start = file.pos();
     const QByteArray entry = file.peek(iconEntryOffset + 16);
     if (entry.size() < iconEntryOffset + 16) {
-        return QSize();
+        return {};
     }
     const auto image =
         qFromLittleEndian<quint32>(entry.constData() + iconEntryOffset + iconImageOffset);
@@ -115,12 +117,12 @@ QSize PictureFile::firstImageOfIcon()
     const QByteArray header = file.peek(pngSizeOffset + 8);
     file.seek(start);
     if (header.size() < pngSizeOffset + 8) {
-        return QSize();
+        return {};
     }
     if (header.startsWith("\x89PNG")) {
-        return QSize(qFromBigEndian<qint32>(header.constData() + pngSizeOffset),
-                     qFromBigEndian<qint32>(header.constData() + pngSizeOffset + 4));
+        return {qFromBigEndian<qint32>(header.constData() + pngSizeOffset),
+                qFromBigEndian<qint32>(header.constData() + pngSizeOffset + 4)};
     }
-    return QSize(littleEndian<qint32>(header, bitmapSizeOffset),
-                 littleEndian<qint32>(header, bitmapSizeOffset + 4));
+    return {littleEndian<qint32>(header, bitmapSizeOffset),
+            littleEndian<qint32>(header, bitmapSizeOffset + 4)};
 }

@@ -18,8 +18,11 @@ namespace
 {
 QMessageBox::StandardButtons buttonsFor(QMessageBox::Icon icon)
 {
-    return icon == QMessageBox::Question ? QMessageBox::Yes | QMessageBox::No
-                                         : QMessageBox::StandardButtons(QMessageBox::Ok);
+    QMessageBox::StandardButtons buttons = QMessageBox::Ok;
+    if (icon == QMessageBox::Question) {
+        buttons = QMessageBox::Yes | QMessageBox::No;
+    }
+    return buttons;
 }
 
 QString wrongWith(const QMessageBox *box,

@@ -62,6 +62,7 @@ class tst_PictureFile final : public TestCase
 
 private slots:
     void readsByContent();
+    void readsSmallGifsAndIcons();
     void hasNoPictureIn_data();
     void hasNoPictureIn();
     void doesNotWaitForAPipe();
@@ -83,6 +84,23 @@ void tst_PictureFile::readsByContent()
     PictureFile file(path(QStringLiteral("picture.jp")));
     QCOMPARE(file.size(), QSize(70, 50));
     QCOMPARE(file.read().convertToFormat(QImage::Format_RGB32), image);
+}
+
+void tst_PictureFile::readsSmallGifsAndIcons()
+{
+    // The formats whose headers are looked at twice are pictures as any other.
+    QByteArray gif = hugeGif();
+    gif.replace(6, 4, QByteArray::fromHex("02000300"));
+    const QString animation = TempTree(path(QString())).file(QStringLiteral("a.gif"), gif);
+    QCOMPARE(PictureFile(animation).size(), QSize(2, 3));
+    QCOMPARE(PictureFile(animation).read().size(), QSize(2, 3));
+    for (const int side : {16, 256}) {
+        const QString icon = path(QStringLiteral("a.ico"));
+        QVERIFY(gradient(QSize(side, side)).save(icon, "ICO"));
+        QCOMPARE(PictureFile(icon).size(), QSize(side, side));
+        QCOMPARE(PictureFile(icon).read().size(), QSize(side, side));
+        QCOMPARE(PictureFile(icon).readAtHeight(32).size(), QSize(32, 32));
+    }
 }
 
 void tst_PictureFile::hasNoPictureIn_data()
