@@ -32,6 +32,7 @@ protected slots:
 private slots:
     void layoutAndTexts();
     void onlyOneSlotIsDeclared();
+    void treeTakesTheFocusOfItsButton();
     void buttonIsMeasuredByTheWindowAtConstruction();
     void withoutAFolderThereIsOneWarning();
     void withoutAMaskThereIsAnotherWarning();
@@ -152,6 +153,14 @@ void tst_ScanConfigurationWidget::onlyOneSlotIsDeclared()
     QCOMPARE(meta->methodCount() - meta->methodOffset(), 1);
     QCOMPARE(meta->method(meta->methodOffset()).methodSignature(),
              QByteArrayLiteral("onScanButtonClicked()"));
+}
+
+void tst_ScanConfigurationWidget::treeTakesTheFocusOfItsButton()
+{
+    // After the choice of a folder the keys go to the tree, not to the options.
+    driver->button()->setFocus();
+    openTree();
+    QCOMPARE(pages->focusWidget(), driver->view());
 }
 
 void tst_ScanConfigurationWidget::buttonIsMeasuredByTheWindowAtConstruction()
