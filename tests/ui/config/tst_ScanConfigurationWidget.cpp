@@ -12,6 +12,7 @@
 
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QSettings>
 #include <QStackedWidget>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -63,6 +64,10 @@ private:
 void tst_ScanConfigurationWidget::init()
 {
     TestCase::init();
+    // The toolkit would keep the settings of its dialogs where the first test had its home.
+    QSettings::setPath(QSettings::NativeFormat,
+                       QSettings::UserScope,
+                       home() + QStringLiteral("/.config"));
     allowMessages(FolderTreeDriver::missingPicture());
     configuration->folders = QStringList(QStringLiteral("/previous"));
     configuration->scanProfile = ScanProfile();
