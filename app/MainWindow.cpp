@@ -194,6 +194,7 @@ void MainWindow::postToEngine(const char *slot)
 
 void MainWindow::onScanStart()
 {
+    scanRunning = true;
     postToEngine(SLOT(startFinder()));
     widgetAnalyzeWaiting->toDefaults();
     stackedWidget->setCurrentIndex(1);
@@ -225,13 +226,17 @@ void MainWindow::paintEvent(QPaintEvent *event)
 
 void MainWindow::onModelEvent(const ModelEvent *modelEvent)
 {
-    if (modelEvent->type != TypeGetUpdateVersionEvent) {
-        return;
+    if (modelEvent->type == TypeFindDuplicatedFilesFinishedEvent) {
+        scanRunning = false;
+    } else if (modelEvent->type == TypeGetUpdateVersionEvent) {
+        const auto *const update = static_cast<const GetUpdateVersionEvent *>(modelEvent);
+        offerUpdate(update->version, QUrl(update->url));
     }
-    const auto *const update = static_cast<const GetUpdateVersionEvent *>(modelEvent);
-    // Copied, as the event may be gone when the box is answered.
-    const QUrl page(update->url);
-    if (versionNumber(update->version) <= versionNumber(QString::fromLatin1(Product::version))) {
+}
+
+void MainWindow::offerUpdate(const QString &version, const QUrl &page)
+{
+    if (versionNumber(version) <= versionNumber(QString::fromLatin1(Product::version))) {
         return;
     }
     const auto answer = QMessageBox::question(

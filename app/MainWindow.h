@@ -13,6 +13,7 @@ class QHBoxLayout;
 class QMenu;
 class QStackedWidget;
 class QThread;
+class QUrl;
 class QVBoxLayout;
 class ScanConfigurationWidget;
 class StatusBarWidget;
@@ -37,6 +38,8 @@ public:
 
     /** Runs a scan of what Configuration holds and shows page 1; the engine begins 10 ms later. */
     void onScanStart();
+    /** From onScanStart() until the groups have arrived; nobody may write Configuration then. */
+    bool isScanRunning() const { return scanRunning; }
     /** Asks the engine to stop, 10 ms later; the scan still reports what it has found. */
     void stopScan();
     void setCurrentWidget(int index);
@@ -57,6 +60,7 @@ private:
     void startEngine();
     void setFittingSize();
     void postToEngine(const char *slot);
+    void offerUpdate(const QString &version, const QUrl &page);
 
     Model *model = nullptr;
     Controller *controller = nullptr;
@@ -68,4 +72,5 @@ private:
     ScanConfigurationWidget *scanConfigurationWidget = nullptr;
     StatusBarWidget *statusBarWidget = nullptr;
     QThread *engineThread = nullptr;
+    bool scanRunning = false;
 };

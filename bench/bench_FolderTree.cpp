@@ -6,7 +6,6 @@
 #include "ui/config/FileSystemTreeWidget.h"
 
 #include <QPushButton>
-#include <QSettings>
 #include <QStyle>
 #include <QStyleOptionViewItem>
 #include <QTreeView>
@@ -150,10 +149,6 @@ private:
 void bench_FolderTree::init()
 {
     TestCase::init();
-    // The toolkit would keep the settings of its dialogs where the first test had its home.
-    QSettings::setPath(QSettings::NativeFormat,
-                       QSettings::UserScope,
-                       home() + QStringLiteral("/.config"));
     allowMessages(QRegularExpression(QStringLiteral("^QPixmap::scale")));
 }
 

@@ -24,7 +24,6 @@
 #include <QMetaMethod>
 #include <QPixmap>
 #include <QPointer>
-#include <QSignalSpy>
 #include <QStackedWidget>
 #include <QThread>
 #include <QTimer>
@@ -234,12 +233,13 @@ void tst_MainWindow::scanStartShowsPageOneBeforeTheEngineBegins()
 {
     // A start shows page 1 at once; the engine's first signal comes later.
     MainWindow window;
-    QSignalSpy events(modelOf(window), SIGNAL(modelEvent(const ModelEvent *)));
+    int events = 0;
+    connect(modelOf(window), &Model::modelEvent, this, [&events] { ++events; });
     prepareScan({});
     window.onScanStart();
     QCOMPARE(pages(window)->currentIndex(), 1);
-    QCOMPARE(events.count(), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(events.count(), 4, 30000);
+    QCOMPARE(events, 0);
+    QTRY_COMPARE_WITH_TIMEOUT(events, 4, 30000);
 }
 
 void tst_MainWindow::scanRunsOnAThreadOfItsOwn()
@@ -445,6 +445,9 @@ void tst_MainWindow::otherActionsDoNothing()
 void tst_MainWindow::threadAndEngineGoWithTheWindow()
 {
     // Window, thread, engine: each is deleted after the one before it.
+    // Nothing of the windows before.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     DeletionRecorder recorder;
     {
         MainWindow window;
@@ -462,10 +465,11 @@ void tst_MainWindow::leavingEndsARunningScan()
         tree.sparseFile(QStringLiteral("%1").arg(i), 256LL * 1024 * 1024);
     }
     auto window = std::make_unique<MainWindow>();
-    QSignalSpy events(modelOf(*window), SIGNAL(modelEvent(const ModelEvent *)));
+    int events = 0;
+    connect(modelOf(*window), &Model::modelEvent, this, [&events] { ++events; });
     prepareScan({tree.root()});
     window->onScanStart();
-    QTRY_VERIFY_WITH_TIMEOUT(events.count() >= 4, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(events >= 4, 30000);
     window.reset();
     QCoreApplication::processEvents();
 }

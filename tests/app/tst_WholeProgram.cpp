@@ -65,7 +65,7 @@ bool tst_WholeProgram::chooseAndTick(WindowDriver &driver, const QString &folder
         && driver.folderState(folder) == Qt::Checked;
 }
 
-// Presses the first or second "...", ticks the rows that begin with the names, closes the window.
+// Presses the button, ticks the rows that begin with the names, closes the window.
 bool tst_WholeProgram::chooseTypes(WindowDriver &driver,
                                    const QString &button,
                                    const QStringList &rows)
@@ -152,11 +152,11 @@ void tst_WholeProgram::scanReviewTrashAndScanAgain_data()
     // The last mask of a chosen entry ends in a line feed and matches nothing: here "*.RTF".
     QTest::newRow("text files only, without the last mask") << Setup([](WindowDriver &driver) {
         return chooseTypes(driver,
-                           QStringLiteral("..."),
+                           QStringLiteral("Choose file types to include"),
                            {QStringLiteral("Any File"), QStringLiteral("Text Files")});
     }) << QStringList({a, a});
     QTest::newRow("without photos") << Setup([](WindowDriver &driver) {
-        return chooseTypes(driver, QStringLiteral("... exclude"), {QStringLiteral("Photo Images")});
+        return chooseTypes(driver, QStringLiteral("Choose file types to exclude"), {QStringLiteral("Photo Images")});
     }) << QStringList({a, a, d, d});
     QTest::newRow("from 1 KB") << Setup([](WindowDriver &driver) {
         return setSize(driver, QStringLiteral("Minimum size:"), 1);
@@ -177,8 +177,8 @@ void tst_WholeProgram::scanReviewTrashAndScanAgain()
     MainWindow window;
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    WindowDriver driver(&window);
     ModalDriver boxes;
+    WindowDriver driver(&window, &boxes);
 
     QVERIFY2(chooseAndTick(driver, tree.root()), qPrintable(driver.problem()));
     QVERIFY2(setup(driver), qPrintable(driver.problem()));
@@ -230,7 +230,7 @@ void tst_WholeProgram::scanReviewTrashAndScanAgain()
     // Back, and once more: there is nothing left to find.
     QVERIFY2(driver.click(QStringLiteral("Scan Configuration")), qPrintable(driver.problem()));
     QCOMPARE(driver.page(), 0);
-    QVERIFY2(driver.click(startText) && driver.waitUntilShown(completedText)
+    QVERIFY2(driver.click(startText) && driver.waitUntilEnabled(QStringLiteral("Scan Results"))
                  && driver.click(QStringLiteral("Scan Results")),
              qPrintable(driver.problem()));
     QCOMPARE(driver.column(2), QStringList());
@@ -247,11 +247,11 @@ void tst_WholeProgram::stopWithinAScan()
     MainWindow window;
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    WindowDriver driver(&window);
+    ModalDriver boxes;
+    WindowDriver driver(&window, &boxes);
     QVERIFY2(chooseAndTick(driver, tree.root()), qPrintable(driver.problem()));
     QVERIFY2(driver.click(startText) && driver.waitUntilShown(QStringLiteral("Finding")),
              qPrintable(driver.problem()));
-    ModalDriver boxes;
     boxes.expectMessageBox(QStringLiteral("Question"),
                            QStringLiteral("Do you want to stop the scanning?"),
                            QMessageBox::Yes | QMessageBox::No,
@@ -269,8 +269,8 @@ void tst_WholeProgram::warningsBeforeAScan()
     MainWindow window;
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    WindowDriver driver(&window);
     ModalDriver boxes;
+    WindowDriver driver(&window, &boxes);
     boxes.expectMessageBox(QStringLiteral("Warning"),
                            QStringLiteral("You didn't select any folder"),
                            QMessageBox::Ok,

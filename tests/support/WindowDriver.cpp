@@ -17,17 +17,16 @@
 
 namespace
 {
-QString captionOf(const QWidget *widget)
+bool isCalled(const QWidget *widget, const QString &text)
 {
     const auto *const button = qobject_cast<const QAbstractButton *>(widget);
-    return button != nullptr ? button->text() : widget->accessibleName();
+    return widget->accessibleName() == text || (button != nullptr && button->text() == text);
 }
 
-// Buttons by their text, the program's own clickable labels by their accessible name.
 QWidget *findByText(const QWidget *window, const QString &text)
 {
     for (QWidget *const widget : window->findChildren<QWidget *>()) {
-        if (widget->isVisible() && captionOf(widget) == text) {
+        if (widget->isVisible() && isCalled(widget, text)) {
             return widget;
         }
     }
@@ -63,8 +62,9 @@ void clickCheckBox(QAbstractItemView *view, const QModelIndex &index)
 }
 } // namespace
 
-WindowDriver::WindowDriver(QWidget *mainWindow)
+WindowDriver::WindowDriver(QWidget *mainWindow, ModalDriver *modalDriver)
     : window(mainWindow)
+    , boxes(modalDriver)
 {
 }
 
@@ -114,6 +114,12 @@ bool WindowDriver::isEnabled(const QString &text) const
     return widget != nullptr && widget->isEnabled();
 }
 
+bool WindowDriver::waitUntilEnabled(const QString &text)
+{
+    return QTest::qWaitFor([&] { return isEnabled(text); }, maxWaitMilliseconds)
+        || fail(QStringLiteral("\"%1\" was not enabled").arg(text));
+}
+
 bool WindowDriver::shows(const QString &text) const
 {
     for (const QLabel *const label : window->findChildren<QLabel *>()) {
@@ -132,15 +138,11 @@ bool WindowDriver::waitUntilShown(const QString &text)
 
 bool WindowDriver::chooseFolder(const QString &path)
 {
-    ModalDriver dialog;
-    dialog.expectFileDialog(QStringLiteral("Choose Directory"), path);
+    boxes->expectFileDialog(QStringLiteral("Choose Directory"), path);
     if (!click(QStringLiteral("Select folder..."))) {
         return false;
     }
-    if (!dialog.failures().isEmpty()) {
-        return fail(dialog.failures().join(QStringLiteral("; ")));
-    }
-    return true;
+    return boxes->failures().isEmpty() || fail(boxes->failures().join(QStringLiteral("; ")));
 }
 
 QTreeView *WindowDriver::tree() const

@@ -5,8 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-class QAbstractButton;
-class QLineEdit;
+class ModalDriver;
 class QStackedWidget;
 class QTableView;
 class QTreeView;
@@ -23,15 +22,17 @@ public:
     /** Waits at most that long for anything that a step needs. */
     static constexpr int maxWaitMilliseconds = 60000;
 
-    explicit WindowDriver(QWidget *window);
+    /** The modal driver answers the boxes that steps open; neither is owned. */
+    WindowDriver(QWidget *window, ModalDriver *boxes);
 
     /** Index of the page that is shown. */
     int page() const;
     bool waitForPage(int index);
 
-    /** A visible button, radio button, check box or clickable label. */
+    /** A visible button, radio button, check box or clickable label, by its text or its name. */
     bool click(const QString &text);
     bool isEnabled(const QString &text) const;
+    bool waitUntilEnabled(const QString &text);
     /** Whether some visible label holds the text. */
     bool shows(const QString &text) const;
     bool waitUntilShown(const QString &text);
@@ -60,5 +61,6 @@ private:
     QStackedWidget *pages() const;
 
     QWidget *window;
+    ModalDriver *boxes;
     QString lastProblem;
 };

@@ -26,7 +26,7 @@ const QString deleteWarning = QStringLiteral(
 
 Tour::Tour(MainWindow *mainWindow, const QString &toured, const QString &place, bool mayDelete)
     : window(mainWindow)
-    , driver(mainWindow)
+    , driver(mainWindow, &boxes)
     , folder(toured)
     , output(place)
     , deleting(mayDelete)
@@ -136,7 +136,7 @@ bool Tour::chooseFolder()
 
 bool Tour::pickTypes()
 {
-    if (!driver.click(QStringLiteral("..."))) {
+    if (!driver.click(QStringLiteral("Choose file types to include"))) {
         return false;
     }
     QWidget *types = nullptr;

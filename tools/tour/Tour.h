@@ -50,8 +50,8 @@ private:
     void summarise() const;
 
     MainWindow *window;
-    WindowDriver driver;
     ModalDriver boxes;
+    WindowDriver driver;
     QString folder;
     QDir output;
     bool deleting;

@@ -32,7 +32,10 @@ ScanConfigurationWidget::ScanConfigurationWidget(MainWindow *parent)
 
 void ScanConfigurationWidget::onScanButtonClicked()
 {
-    if (isPutAway()) {
+    // The second press of a double click, or one on the way back before the engine has begun: the
+    // engine reads the settings now.
+    if (mainWindow->isScanRunning()) {
+        mainWindow->setCurrentWidget(1);
         return;
     }
     const QStringList folders = fileSystemTreeWidget->selectedFolders();
@@ -63,11 +66,4 @@ void ScanConfigurationWidget::createScanButton()
     scanButton->setMinimumHeight(mainWindow->height() / 8);
     scanButton->setIcon(QIcon(QPixmap(QStringLiteral(":/content/start.png"))));
     connect(scanButton, SIGNAL(clicked(bool)), this, SLOT(onScanButtonClicked()));
-}
-
-// The stack hides this page while another one is shown. What is left of a double click may still
-// reach the button then, and must not write the settings of the scan that it has just started.
-bool ScanConfigurationWidget::isPutAway() const
-{
-    return isHidden() && testAttribute(Qt::WA_WState_ExplicitShowHide);
 }

@@ -30,7 +30,6 @@ public slots:
 
 private:
     void createScanButton();
-    bool isPutAway() const;
 
     MainWindow *mainWindow = nullptr;
     QPushButton *scanButton = nullptr;

@@ -11,7 +11,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
-#include <QSettings>
 #include <QSignalSpy>
 #include <QStackedWidget>
 #include <QTreeView>
@@ -66,10 +65,6 @@ private:
 void tst_FileSystemTreeWidget::init()
 {
     TestCase::init();
-    // The toolkit would keep the settings of its dialogs where the first test had its home.
-    QSettings::setPath(QSettings::NativeFormat,
-                       QSettings::UserScope,
-                       home() + QStringLiteral("/.config"));
     allowMessages(FolderTreeDriver::missingPicture());
     tree = std::make_unique<TempTree>(path(QStringLiteral("root")));
     widget = std::make_unique<FileSystemTreeWidget>(nullptr);

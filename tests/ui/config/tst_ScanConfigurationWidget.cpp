@@ -12,7 +12,6 @@
 
 #include <QHBoxLayout>
 #include <QPushButton>
-#include <QSettings>
 #include <QStackedWidget>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -42,7 +41,7 @@ private slots:
     void tickedDescendantsAreNotStored();
     void secondStartReplacesTheFirst();
     void startByKey();
-    void pressBehindAnotherPageStartsNothing();
+    void pressWithinAScanStartsNothing();
 
 private:
     QPushButton *startButton() const;
@@ -64,10 +63,6 @@ private:
 void tst_ScanConfigurationWidget::init()
 {
     TestCase::init();
-    // The toolkit would keep the settings of its dialogs where the first test had its home.
-    QSettings::setPath(QSettings::NativeFormat,
-                       QSettings::UserScope,
-                       home() + QStringLiteral("/.config"));
     allowMessages(FolderTreeDriver::missingPicture());
     configuration->folders = QStringList(QStringLiteral("/previous"));
     configuration->scanProfile = ScanProfile();
@@ -271,6 +266,7 @@ void tst_ScanConfigurationWidget::secondStartReplacesTheFirst()
     openTree();
     driver->clickBox(tree->path(QStringLiteral("b")));
     pressStart();
+    TRY_VERIFY(!window->isScanRunning());
     driver->clickBox(tree->path(QStringLiteral("b")));
     driver->clickBox(tree->path(QStringLiteral("c")));
     configuration->scanProfile.includeMasks = QStringList(QStringLiteral("*.old"));
@@ -292,18 +288,22 @@ void tst_ScanConfigurationWidget::startByKey()
     QCOMPARE(configuration->folders, QStringList(tree->path(QStringLiteral("b"))));
 }
 
-void tst_ScanConfigurationWidget::pressBehindAnotherPageStartsNothing()
+void tst_ScanConfigurationWidget::pressWithinAScanStartsNothing()
 {
-    // The rest of a double click arrives when the page is put away; it writes no settings.
+    // The rest of a double click writes no settings, and leads to the page of the running scan.
     openTree();
     driver->clickBox(tree->path(QStringLiteral("b")));
-    pages->setCurrentIndex(1);
+    pressStart();
+    driver->clickBox(tree->path(QStringLiteral("c")));
+    window->setCurrentWidget(0);
     pressStart();
     QTest::keyClick(startButton(), Qt::Key_Space);
-    QCOMPARE(configuration->folders, QStringList(QStringLiteral("/previous")));
-    pages->setCurrentIndex(0);
-    pressStart();
     QCOMPARE(configuration->folders, QStringList(tree->path(QStringLiteral("b"))));
+    QCOMPARE(window->findChild<QStackedWidget *>()->currentIndex(), 1);
+    TRY_VERIFY(!window->isScanRunning());
+    pressStart();
+    QCOMPARE(configuration->folders,
+             QStringList({tree->path(QStringLiteral("b")), tree->path(QStringLiteral("c"))}));
 }
 
 TWINSIFT_TEST_MAIN(tst_ScanConfigurationWidget)
