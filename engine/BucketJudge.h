@@ -3,6 +3,7 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -16,8 +17,13 @@
 class BucketJudge final
 {
 public:
-    /** The list must not change while the judge lives. */
-    explicit BucketJudge(const QStringList &bucket);
+    using KeyOf = std::function<QString(const QString &path)>;
+
+    /**
+     * The list must not change while the judge lives. The function tells the key by which files are
+     * put into buckets; without it files of any sizes are taken to belong together.
+     */
+    explicit BucketJudge(const QStringList &bucket, KeyOf keyOf = KeyOf());
 
     BucketJudge(const BucketJudge &) = delete;
     BucketJudge &operator=(const BucketJudge &) = delete;
@@ -42,9 +48,11 @@ private:
     void readHead(int index);
     const char *headOf(int index) const;
     bool compareWhole(int first, int second);
+    bool belongTogether(int first, int second) const;
     bool haveSameContent(int first, int second);
 
     const QStringList &paths;
+    KeyOf currentKey;
     std::vector<File> files;
     qint64 headBytes = -1;
     std::unique_ptr<char[]> heads;

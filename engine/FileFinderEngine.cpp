@@ -338,7 +338,7 @@ bool FileFinderEngine::confirmBucket(const Bucket &bucket)
     if (count < 2) {
         return true;
     }
-    BucketJudge judge(bucket.paths);
+    BucketJudge judge(bucket.paths, [this](const QString &path) { return fileChecksum(path); });
     Group group(bucket.paths, duplicatedGroups.value(bucket.key));
     // No pair is left out: each one adds to the sum of the sizes, also when both files are placed.
     for (int j = 0; j < count - 1; ++j) {
