@@ -784,6 +784,8 @@ void tst_FileFinderEngine::eventsFromAnotherThread()
     // Files and stops announced on the worker thread reach nobody; the other events do, in order.
     file("a", "same!");
     file("b", "same!");
+    // A pair that is left after the stop, so that the scan sees it.
+    file("c", "same!");
     Model model(nullptr);
     Controller controller(&model, nullptr);
     EventLog log(&model);
