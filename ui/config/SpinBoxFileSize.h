@@ -29,7 +29,7 @@ public:
     void setSizeInKbytes(qint64 size);
     /** Also valid while the check box is off. */
     qint64 sizeInKbytes() const;
-    /** Truncates; the largest size stands for all beyond it, 0 for those below and for no number. */
+    /** Truncates; what is too large gives the largest size, no number and less than 0 give 0. */
     static qint64 toWholeKilobytes(double kilobytes);
 
 public slots:

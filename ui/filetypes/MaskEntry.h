@@ -23,7 +23,7 @@ QStringList masks(const QString &entry);
 /** The masks of all entries of such a line, in order. */
 QStringList masksOfLine(const QString &line);
 
-/** Entries in one line, each but the first after a comma and a space; empty entries are left out. */
+/** Entries in one line, a comma and a space between them; empty entries are left out. */
 QString toLine(const QStringList &entries);
 
 /** Splits what toLine() made; an empty line gives one empty entry. */
