@@ -134,7 +134,7 @@ void tst_FaultyScan::stopIsSeenWhileFilesOpenSlowly()
 {
     // A scan that is stopped while each file takes long to open prints what it has found so far.
     tree = std::make_unique<FaultTree>(path(QStringLiteral("tree")));
-    // The 14 folders and the phases give 18 signals, then each file gives one.
+    // The 11 folders and the phases give 14 signals, then each file gives one.
     const ScanProcess process = scan({QStringLiteral("--advanced"),
                                       QStringLiteral("md5"),
                                       QStringLiteral("--events"),
