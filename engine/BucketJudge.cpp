@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace
 {
@@ -13,8 +14,9 @@ constexpr qint64 maxHeadBytes = 4 * 1024;
 constexpr qint64 maxBytesInMemory = 64 * 1024 * 1024;
 } // namespace
 
-BucketJudge::BucketJudge(const QStringList &bucket)
+BucketJudge::BucketJudge(const QStringList &bucket, KeyOf keyOf)
     : paths(bucket)
+    , currentKey(std::move(keyOf))
     , files(static_cast<std::size_t>(bucket.size()))
 {
 }
@@ -99,5 +101,15 @@ bool BucketJudge::compareWhole(int first, int second)
     if (verdict == FileComparison::Verdict::Failed && a.isReadable && b.isReadable) {
         isTrusting = false;
     }
-    return verdict == FileComparison::Verdict::Equal;
+    return verdict == FileComparison::Verdict::Equal && belongTogether(first, second);
+}
+
+// A file that has changed since it got its key, or whose size could not be told then, stands in the
+// wrong bucket. The comparison takes an empty file for equal to any other, so the keys must speak.
+bool BucketJudge::belongTogether(int first, int second) const
+{
+    const QString &a = paths.at(first);
+    const QString &b = paths.at(second);
+    return !currentKey || RegularFile::sizeOf(a) == RegularFile::sizeOf(b)
+        || currentKey(a) == currentKey(b);
 }

@@ -3,21 +3,28 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
 /**
  * Decides which files of one bucket have the same content, reading as little as it can.
  *
- * Every verdict is that of FileComparison::compare(), its log lines included. The beginning of each
- * file is read once, and equality that has been proven byte by byte carries over from pair to pair.
- * Holds at most 64 MiB of contents. Lives as long as its bucket is worked on.
+ * Every verdict is that of FileComparison::compare(), its log lines included, but that a file which
+ * has left the bucket since is equal to none of another size. The beginning of each file is read
+ * once, and equality that has been proven byte by byte carries over from pair to pair. Holds at most
+ * 64 MiB of contents. Lives as long as its bucket is worked on.
  */
 class BucketJudge final
 {
 public:
-    /** The list must not change while the judge lives. */
-    explicit BucketJudge(const QStringList &bucket);
+    using KeyOf = std::function<QString(const QString &path)>;
+
+    /**
+     * The list must not change while the judge lives. The function tells the key by which files are
+     * put into buckets; without it files of any sizes are taken to belong together.
+     */
+    explicit BucketJudge(const QStringList &bucket, KeyOf keyOf = KeyOf());
 
     BucketJudge(const BucketJudge &) = delete;
     BucketJudge &operator=(const BucketJudge &) = delete;
@@ -43,9 +50,11 @@ private:
     void readHead(int index);
     const char *headOf(int index) const;
     bool compareWhole(int first, int second);
+    bool belongTogether(int first, int second) const;
     bool haveSameContent(int first, int second);
 
     const QStringList &paths;
+    KeyOf currentKey;
     std::vector<File> files;
     qint64 headBytes = -1;
     std::unique_ptr<char[]> heads;

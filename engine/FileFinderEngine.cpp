@@ -32,12 +32,6 @@ bool isLeaving()
     return QThread::currentThread()->isInterruptionRequested();
 }
 
-// The path without links, of a folder that exists.
-QString canonicalPath(const QString &folder)
-{
-    return QFileInfo(folder).canonicalFilePath();
-}
-
 bool isExcluded(const QString &fileName, const QStringList &excludeMasks)
 {
     if (excludeMasks.isEmpty()) {
@@ -73,17 +67,18 @@ struct FileFinderEngine::Frame {
     QVector<FolderListing::Folder> subfolders;
     mutable QString canonical;
 
-    bool contains(const QString &canonicalFolder) const
+    // Also true when it cannot be told, because the system did not resolve one of the paths.
+    bool mayContain(const QString &canonicalFolder) const
     {
         for (const Frame *frame = this; frame != nullptr; frame = frame->parent) {
             if (frame->canonical.isEmpty()) {
-                frame->canonical = canonicalPath(frame->prefix);
+                frame->canonical = FolderListing::canonicalPath(frame->prefix);
             }
-            if (frame->canonical == canonicalFolder) {
+            if (frame->canonical.isEmpty() || frame->canonical == canonicalFolder) {
                 return true;
             }
         }
-        return false;
+        return canonicalFolder.isEmpty();
     }
 };
 
@@ -233,7 +228,7 @@ bool FileFinderEngine::walkSubfolders(const Walk &walk, const Frame &frame)
     for (const FolderListing::Folder &subfolder : frame.subfolders) {
         const QString path = frame.prefix + subfolder.name;
         // A link back up would be walked for ever.
-        if (subfolder.isLink && frame.contains(canonicalPath(path))) {
+        if (subfolder.isLink && frame.mayContain(FolderListing::canonicalPath(path))) {
             continue;
         }
         walkFolder(walk, path, &frame, nullptr);
@@ -298,7 +293,7 @@ bool FileFinderEngine::confirmBucket(const Bucket &bucket)
     if (count < 2) {
         return true;
     }
-    BucketJudge judge(bucket.paths);
+    BucketJudge judge(bucket.paths, [this](const QString &path) { return fileChecksum(path); });
     DuplicateGroup group(bucket.paths, duplicatedGroups.value(bucket.key));
     // No pair is left out: each one adds to the sum of the sizes, also when both files are placed.
     for (int j = 0; j < count - 1; ++j) {

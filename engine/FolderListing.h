@@ -31,6 +31,9 @@ struct Entries {
  */
 Entries list(const QString &folder, const FileMasks &masks);
 
+/** The absolute path without links, of a folder that exists; null when it cannot be told. */
+QString canonicalPath(const QString &folder);
+
 /** The sorting of list(), for its implementations. */
 void sort(Entries *entries);
 } // namespace FolderListing

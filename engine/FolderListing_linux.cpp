@@ -7,6 +7,7 @@
 #include <QTextCodec>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -18,6 +19,10 @@ namespace
 {
 struct CloseDir {
     void operator()(DIR *dir) const { ::closedir(dir); }
+};
+
+struct FreeText {
+    void operator()(char *text) const { std::free(text); }
 };
 
 bool isAscii(const QByteArray &name)
@@ -99,4 +104,12 @@ FolderListing::Entries FolderListing::list(const QString &folder, const FileMask
     }
     sort(&entries);
     return entries;
+}
+
+// The toolkit gives the path itself back when the system did not resolve it.
+QString FolderListing::canonicalPath(const QString &folder)
+{
+    const std::unique_ptr<char, FreeText> path(
+        ::realpath(QFile::encodeName(folder).constData(), nullptr));
+    return path ? QFile::decodeName(path.get()) : QString();
 }

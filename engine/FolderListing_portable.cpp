@@ -25,3 +25,8 @@ FolderListing::Entries FolderListing::list(const QString &folder, const FileMask
     sort(&entries);
     return entries;
 }
+
+QString FolderListing::canonicalPath(const QString &folder)
+{
+    return QFileInfo(folder).canonicalFilePath();
+}
