@@ -72,7 +72,15 @@ void ModalDriver::expectFileDialog(const QString &title, const QString &path)
             return;
         }
         auto *const edit = widget->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        // Without the focus the dialog would write over what is typed. A server without a window
+        // manager gives it to a window that asks, once that one is on the screen.
+        const bool isExposed = QTest::qWaitForWindowExposed(widget);
+        widget->activateWindow();
         edit->setFocus();
+        if (!isExposed || !QTest::qWaitFor([edit] { return edit->hasFocus(); })) {
+            QTest::keyClick(widget, Qt::Key_Escape);
+            return;
+        }
         edit->selectAll();
         QTest::keyClicks(edit, path);
         QTest::keyClick(edit, Qt::Key_Return);
