@@ -106,6 +106,7 @@ class Bench:
             goal,
             value=mine.wall / series[fastest].wall,
             cpu=mine.cpu / max(1e-6, min(each.cpu for each in series.values())),
+            by_cpu=mine.is_disturbed or series[fastest].is_disturbed,
             detail=detail,
         )
 
@@ -169,6 +170,7 @@ class Bench:
             at_least=True,
             value=result["seconds"] / ours.wall,
             cpu=sample.cpu / ours.cpu,
+            by_cpu=sample.is_disturbed,
             detail="%s %s; literal %.2f s (CPU %.2f s) for %d pairs"
             % (OURS, ours, result["seconds"], sample.cpu, result["pairs"]),
         )
@@ -205,6 +207,7 @@ class Bench:
             at_least=True,
             value=size / ours.wall / rate,
             cpu=size / ours.cpu / rate,
+            by_cpu=ours.is_disturbed,
             detail="%s %s, %.0f MB/s; loop %.0f MB/s"
             % (OURS, ours, size / ours.wall / 1e6, rate / 1e6),
         )
@@ -252,6 +255,7 @@ class Bench:
             11,
             value=all_files.wall / tenth.wall,
             cpu=all_files.cpu / tenth.cpu,
+            by_cpu=all_files.is_disturbed or tenth.is_disturbed,
             detail="%s against %s" % (all_files, tenth),
         )
         self.add(
@@ -285,8 +289,8 @@ class Bench:
             'start to "completed" against twinsift-scan',
             1.15,
             value=wall / alone.wall,
-            detail="%.3f s against %s; CPU of the whole process of the window %.3f s"
-            % (wall, alone, statistics.median(cpus)),
+            detail="%.3f s against %s; CPU of the whole process of the window %.3f s%s"
+            % (wall, alone, statistics.median(cpus), disturbance(alone)),
         )
         passes = [result["longest-pass-milliseconds"] for result in results]
         self.add(
@@ -299,7 +303,8 @@ class Bench:
         )
 
     def draw_curves(self, many):
-        """Seconds by number of files; the whole tree once, where a tool may take minutes."""
+        """CPU time by number of files, which on a warm cache is the time of a machine at rest. The
+        whole tree is scanned once, since a tool may take minutes."""
         for level in reversed(range(many.depth)):
             folder = many.branch(level)
             commands = {
@@ -310,7 +315,7 @@ class Bench:
             }
             series = self.alternate(commands, 1 if level == 0 else min(3, self.runs))
             for name, each in series.items():
-                self.curves.setdefault(name, {})[many.files(level)] = each.wall
+                self.curves.setdefault(name, {})[many.files(level)] = each.cpu
             say("  curves at %d files" % many.files(level))
 
     def first_paint(self):
@@ -328,6 +333,10 @@ class Bench:
             unit=" ms",
             detail="from %.0f to %.0f ms in %d starts" % (min(times), max(times), len(times)),
         )
+
+
+def disturbance(series):
+    return "; disturbed by other processes" if series.is_disturbed else ""
 
 
 def size_text(size):

@@ -9,8 +9,9 @@ from dataclasses import dataclass
 
 # Where all programs are faster than that, the median is taken over twice the runs.
 SHORT_SECONDS = 0.3
-# Another process that takes more than that of one core disturbs a run, and the run is repeated.
+# Other processes that take more than that of one core disturb a run, and the round is repeated.
 MAX_OTHER_CORES = 0.5
+MAX_REPEATED_ROUNDS = 3
 TICKS_PER_SECOND = os.sysconf("SC_CLK_TCK")
 
 
@@ -48,6 +49,11 @@ class Series:
     @property
     def peak_bytes(self):
         return statistics.median(sample.peak_bytes for sample in self.samples)
+
+    @property
+    def is_disturbed(self):
+        """Whether even the median comes from a run that others have slowed down."""
+        return 2 * sum(sample.is_disturbed for sample in self.samples) > len(self.samples)
 
     def __str__(self):
         return "%.3f s (CPU %.3f s)" % (self.wall, self.cpu)
@@ -87,15 +93,16 @@ def run(command, environment, output=None):
 def alternate(commands, environment, runs):
     """A series for each command, by its name. Each round runs all of them once.
 
-    A round with a disturbed run is put aside and repeated; once as many are lost as wanted, the rest
-    is taken as it comes.
+    A round with a disturbed run is thrown away and repeated; after some of them the machine will not
+    come to rest, and the others are taken as they are.
     """
     rounds = []
     lost = 0
     wanted = runs
     while len(rounds) < wanted:
         samples = {name: run(command, environment) for name, command in commands.items()}
-        if lost < runs > 1 and any(sample.is_disturbed for sample in samples.values()):
+        is_disturbed = any(sample.is_disturbed for sample in samples.values())
+        if is_disturbed and runs > 1 and lost < MAX_REPEATED_ROUNDS:
             lost += 1
             continue
         rounds.append(samples)

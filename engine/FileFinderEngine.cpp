@@ -203,6 +203,7 @@ void FileFinderEngine::runScan()
     } else {
         startFindDuplicatedFilesBase();
     }
+    stopRequested = stopRequested || isLeaving();
     emit findDuplicatedFilesFinished(groupsOfSeveral());
     if (stopRequested && model != nullptr) {
         model->emitModelEvent(FindDuplicatedFilesStoppedEvent());

@@ -20,30 +20,31 @@ bool isStarAndEnding(const QString &mask)
 } // namespace
 
 FileMasks::FileMasks(const QStringList &masks)
+    : isEveryFile(masks.isEmpty() || masks.contains(QStringLiteral("*.*")))
 {
-    if (masks.contains(QStringLiteral("*.*"))) {
-        return;
-    }
-    filters = masks;
     for (const QString &mask : masks) {
         if (isStarAndEnding(mask)) {
             endings.append(mask.mid(1));
-        } else {
-            patterns.append(QRegExp(mask, Qt::CaseInsensitive, QRegExp::Wildcard));
+            continue;
+        }
+        const QRegularExpression pattern(QRegularExpression::wildcardToRegularExpression(mask),
+                                         QRegularExpression::CaseInsensitiveOption);
+        if (pattern.isValid()) {
+            patterns.append(pattern);
         }
     }
 }
 
 bool FileMasks::match(const QString &fileName) const
 {
-    if (filters.isEmpty()) {
+    if (isEveryFile) {
         return true;
     }
     const auto endsName = [&fileName](const QString &ending) {
         return fileName.endsWith(ending, Qt::CaseInsensitive);
     };
-    const auto matchesName = [&fileName](const QRegExp &pattern) {
-        return pattern.exactMatch(fileName);
+    const auto matchesName = [&fileName](const QRegularExpression &pattern) {
+        return pattern.match(fileName).hasMatch();
     };
     return std::any_of(endings.cbegin(), endings.cend(), endsName)
         || std::any_of(patterns.cbegin(), patterns.cend(), matchesName);

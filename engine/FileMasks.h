@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QRegExp>
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
 /**
  * The wildcard masks of the files to take, read as the toolkit reads the name filters of a folder
- * listing: case is ignored, the whole name must match, no mask at all takes every file.
+ * listing: case is ignored, the whole name must match, no mask at all takes every file, a malformed
+ * one takes none.
  *
  * The mask "*.*" stands for every file. The toolkit would leave out names without a dot.
  */
@@ -18,12 +19,10 @@ public:
     explicit FileMasks(const QStringList &masks);
 
     bool match(const QString &fileName) const;
-    /** The same as name filters for the toolkit; empty for every file. */
-    QStringList nameFilters() const { return filters; }
 
 private:
-    QStringList filters;
+    bool isEveryFile;
     // The usual masks, a star and an ending, without their star.
     QStringList endings;
-    QVector<QRegExp> patterns;
+    QVector<QRegularExpression> patterns;
 };

@@ -10,11 +10,11 @@ FolderListing::Entries FolderListing::list(const QString &folder, const FileMask
     const QDir dir(folder);
     Entries entries;
     const QFileInfoList files =
-        dir.entryInfoList(masks.nameFilters(),
-                          QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot,
-                          QDir::NoSort);
+        dir.entryInfoList(QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot, QDir::NoSort);
     for (const QFileInfo &file : files) {
-        entries.files.append(file.fileName());
+        if (masks.match(file.fileName())) {
+            entries.files.append(file.fileName());
+        }
     }
     const QFileInfoList folders =
         dir.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);

@@ -132,7 +132,7 @@ bool isReachedFrom(const QString &folder, const QString &other)
 {
     const QString prefix =
         other.endsWith(QLatin1Char('/')) ? other : QString(other + QLatin1Char('/'));
-    return folder.startsWith(prefix)
+    return folder != other && folder.startsWith(prefix)
         && !folder.midRef(prefix.size() - 1).contains(QLatin1String("/."));
 }
 

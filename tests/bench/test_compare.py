@@ -34,6 +34,15 @@ class Verdicts(unittest.TestCase):
             row = report.Row("w", "m", 20, at_least=True, value=value)
             self.assertEqual(row.verdict, verdict)
 
+    def test_disturbed(self):
+        # Where others have slowed the runs down, the CPU time decides, and the verdict says so.
+        row = report.Row("w", "m", 1.0, value=1.5, cpu=0.9, by_cpu=True)
+        self.assertEqual(row.verdict, "reached by CPU")
+        row = report.Row("w", "m", 1.0, value=0.5, cpu=1.1, by_cpu=True)
+        self.assertEqual(row.verdict, "missed by CPU")
+        row = report.Row("w", "m", 1.0, value=1.5, by_cpu=True)
+        self.assertEqual(row.verdict, "missed")
+
     def test_missing_tool(self):
         # What was not measured is neither reached nor missed.
         row = report.Row("w", "m", 1.0)
@@ -52,6 +61,12 @@ class Runs(unittest.TestCase):
         self.assertTrue(sample(1.0, other_cores=0.9).is_disturbed)
         self.assertFalse(sample(1.0, other_cores=0.1).is_disturbed)
         self.assertFalse(sample(0.01, other_cores=0.9).is_disturbed)
+
+    def test_disturbed_series(self):
+        # Less than half of the runs cannot move the median.
+        quiet, disturbed = sample(1.0), sample(2.0, other_cores=0.9)
+        self.assertFalse(measure.Series((quiet, quiet, disturbed)).is_disturbed)
+        self.assertTrue(measure.Series((quiet, disturbed, disturbed)).is_disturbed)
 
     def test_failure(self):
         # A program that fails ends the benchmark with what it has said.

@@ -1,0 +1,389 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/TempTree.h"
+#include "tests/support/TestCase.h"
+
+#include <QDir>
+#include <QProcess>
+
+#include <memory>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+class tst_TwinsiftScan final : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void init() override;
+    void groups();
+    void groupsWithNul();
+    void noDuplicates();
+    void advanced_data();
+    void advanced();
+    void options();
+    void events();
+    void eventsAdvanced();
+    void stopAfter();
+    void namesByteForByte_data();
+    void namesByteForByte();
+    void relativeFolders();
+    void overlappingFolders();
+    void refused_data();
+    void refused();
+    void help();
+    void version();
+    void fullDevice();
+    void unreadableFile();
+    void slowReader();
+
+private:
+    struct Result {
+        int status;
+        QByteArray output;
+        QByteArray error;
+    };
+
+    Result run(const QStringList &arguments,
+               const QStringList &environment = QStringList(),
+               const QString &outputFile = QString()) const;
+    QByteArray file(const char *name, const QByteArray &content) const;
+
+    std::unique_ptr<TempTree> tree;
+};
+
+namespace
+{
+constexpr int longWaitMilliseconds = 60000;
+
+// A process without the rights of the super-user.
+class PlainProcess final : public QProcess
+{
+    Q_OBJECT
+
+protected:
+    void setupChildProcess() override
+    {
+        if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) {
+            ::_exit(126);
+        }
+    }
+};
+} // namespace
+
+void tst_TwinsiftScan::init()
+{
+    TestCase::init();
+    tree = std::make_unique<TempTree>(path(QStringLiteral("tree")));
+}
+
+QByteArray tst_TwinsiftScan::file(const char *name, const QByteArray &content) const
+{
+    return QFile::encodeName(tree->file(QString::fromUtf8(name), content));
+}
+
+tst_TwinsiftScan::Result tst_TwinsiftScan::run(const QStringList &arguments,
+                                               const QStringList &environment,
+                                               const QString &outputFile) const
+{
+    QProcess process;
+    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+    for (const QString &variable : environment) {
+        variables.insert(variable.section(QLatin1Char('='), 0, 0),
+                         variable.section(QLatin1Char('='), 1));
+    }
+    process.setProcessEnvironment(variables);
+    process.setWorkingDirectory(tree->root());
+    if (!outputFile.isEmpty()) {
+        process.setStandardOutputFile(outputFile);
+    }
+    process.start(QStringLiteral(TWINSIFT_SCAN), arguments);
+    if (!process.waitForFinished(longWaitMilliseconds)
+        || process.exitStatus() != QProcess::NormalExit) {
+        return {-1, process.readAllStandardOutput(), process.readAllStandardError()};
+    }
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+void tst_TwinsiftScan::groups()
+{
+    // A path a line, an empty line behind each group, nothing else on either channel.
+    const QByteArray a = file("a", "same!");
+    const QByteArray b = file("b", "same!");
+    file("c", "other");
+    const QByteArray d = file("d", "twins");
+    const QByteArray e = file("sub/e", "same");
+    const QByteArray f = file("sub/f", "same");
+    QVERIFY(QFile::remove(QFile::decodeName(d)));
+    const Result result = run({tree->root()});
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.error, QByteArray());
+    // The order of the groups is that of a hash.
+    const QByteArray one = a + '\n' + b + "\n\n";
+    const QByteArray two = e + '\n' + f + "\n\n";
+    QVERIFY(result.output == one + two || result.output == two + one);
+}
+
+void tst_TwinsiftScan::groupsWithNul()
+{
+    // With --print0 a path ends in NUL, and a group in one more.
+    const QByteArray a = file("a\nb", "same!");
+    const QByteArray b = file("c d", "same!");
+    const Result result = run({QStringLiteral("--print0"), tree->root()});
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.output, a + '\0' + b + '\0' + '\0');
+}
+
+void tst_TwinsiftScan::noDuplicates()
+{
+    // Without duplicates there is no output, and the status is that of a scan.
+    file("a", "same!");
+    const Result result = run({tree->root()});
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(result.error, QByteArray());
+}
+
+void tst_TwinsiftScan::advanced_data()
+{
+    QTest::addColumn<QString>("checksum");
+    QTest::addColumn<bool>("findsZero");
+    QTest::newRow("md5") << QStringLiteral("md5") << false;
+    QTest::newRow("sha1") << QStringLiteral("sha1") << false;
+    QTest::newRow("crc") << QStringLiteral("crc") << true;
+}
+
+void tst_TwinsiftScan::advanced()
+{
+    // The checksum is the one asked for: only the CRC of these two files is the same.
+    QFETCH(QString, checksum);
+    QFETCH(bool, findsZero);
+    const QByteArray empty = file("a", "");
+    const QByteArray zero = file("b", QByteArray("\x9D\x0A\xD9\x6D", 4));
+    const Result result = run({QStringLiteral("--advanced"), checksum, tree->root()});
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.output, findsZero ? QByteArray(empty + '\n' + zero + "\n\n") : QByteArray());
+}
+
+void tst_TwinsiftScan::options()
+{
+    // Names, extensions, masks and sizes reach the engine.
+    const QByteArray large(2000, 'x');
+    const QByteArray a = file("one/photo.jpg", large);
+    const QByteArray b = file("two/photo.jpg", large);
+    const QByteArray c = file("two/photo.png", large);
+    const QByteArray d = file("two/other.jpg", large);
+    file("one/small.jpg", "x");
+    file("two/small.jpg", "x");
+    const auto scan = [this](const QStringList &options) {
+        return run(options + QStringList(tree->root())).output;
+    };
+    const QStringList size = {QStringLiteral("--min-kb"), QStringLiteral("1")};
+    QCOMPARE(scan(size + QStringList(QStringLiteral("--same-name"))),
+             a + '\n' + b + '\n' + c + "\n\n");
+    QCOMPARE(scan(size + QStringList(QStringLiteral("--same-extension"))),
+             a + '\n' + d + '\n' + b + "\n\n");
+    QCOMPARE(
+        scan(size + QStringList({QStringLiteral("--include"), QStringLiteral("*.png;ph*.jpg")})),
+        a + '\n' + b + '\n' + c + "\n\n");
+    QCOMPARE(scan(size + QStringList({QStringLiteral("--exclude"), QStringLiteral("*.jpg")})),
+             QByteArray());
+    QCOMPARE(scan({QStringLiteral("--max-kb"),
+                   QStringLiteral("0"),
+                   QStringLiteral("--same-date"),
+                   QStringLiteral("--include"),
+                   QStringLiteral("none")}),
+             QByteArray());
+}
+
+void tst_TwinsiftScan::events()
+{
+    // Every signal is a line on standard error: name and arguments, separated by tabs.
+    file("a", "same!");
+    file("b", "same!");
+    const Result result = run({QStringLiteral("--events"), tree->root()});
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.error,
+             "findAllFilesStarted\ncountingFilesInFolder\t2\t" + QFile::encodeName(tree->root())
+                 + "\nfindAllFilesFinished\nfindDuplicatedFilesStarted\n"
+                   "countingFindFilesDuplicated\t0\t2\t10\nfindDuplicatedFilesFinished\t1\n");
+}
+
+void tst_TwinsiftScan::eventsAdvanced()
+{
+    // The Advanced mode has a line for each file, and groups of one are no groups.
+    file("a", "same!");
+    file("b", "other");
+    const Result result = run({QStringLiteral("--advanced"),
+                               QStringLiteral("md5"),
+                               QStringLiteral("--events"),
+                               tree->root()});
+    QVERIFY(result.error.endsWith("findDuplicatedFilesStarted\n"
+                                  "countingFindFilesDuplicated\t1\t0\t0\n"
+                                  "countingFindFilesDuplicated\t2\t0\t0\n"
+                                  "findDuplicatedFilesFinished\t0\n"));
+}
+
+void tst_TwinsiftScan::stopAfter()
+{
+    // The scan is stopped behind exactly that signal, prints what it has, and ends with status 0.
+    const QByteArray a = file("a", "same!");
+    const QByteArray b = file("b", "same!");
+    file("c", "same!");
+    file("d", "same!");
+    const auto scan = [this](int number) {
+        return run({QStringLiteral("--stop-after"), QString::number(number), tree->root()});
+    };
+    for (int number = 1; number <= 4; ++number) {
+        QCOMPARE(scan(number).status, 0);
+        QCOMPARE(scan(number).output, QByteArray());
+    }
+    QCOMPARE(scan(5).status, 0);
+    QCOMPARE(scan(5).output, a + '\n' + b + "\n\n");
+    QCOMPARE(scan(100).output.count('\n'), 5);
+}
+
+void tst_TwinsiftScan::namesByteForByte_data()
+{
+    QTest::addColumn<QString>("locale");
+    for (const char *locale : {"C", "POSIX", "C.UTF-8"}) {
+        QTest::newRow(locale) << QString::fromLatin1(locale);
+    }
+}
+
+void tst_TwinsiftScan::namesByteForByte()
+{
+    // Names come out byte for byte in every locale, and go in likewise.
+    QFETCH(QString, locale);
+    const QByteArray a = file("\xC3\xA4\xE2\x82\xAC/\xF0\x9F\x98\x80 \"x\"", "same!");
+    const QByteArray b = file("\xC3\xA4\xE2\x82\xAC/e\xCC\x81", "same!");
+    const QString whole = tree->path(QString::fromUtf8("\xC3\xA4\xE2\x82\xAC"));
+    const Result result = run({whole}, {QStringLiteral("LC_ALL=") + locale});
+    QCOMPARE(result.error, QByteArray());
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.output, b + '\n' + a + "\n\n");
+}
+
+void tst_TwinsiftScan::relativeFolders()
+{
+    // Relative folders are made absolute, and scanned in their order.
+    const QByteArray a = file("one/a", "same!");
+    const QByteArray b = file("two/b", "same!");
+    QCOMPARE(run({QStringLiteral("two"), QStringLiteral("./one")}).output, b + '\n' + a + "\n\n");
+}
+
+void tst_TwinsiftScan::overlappingFolders()
+{
+    // A file that two folders hold is listed once, and is no duplicate of itself.
+    file("one/a", "same!");
+    const Result result = run({QStringLiteral("one"), QStringLiteral("."), QStringLiteral("one")});
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.output, QByteArray());
+}
+
+void tst_TwinsiftScan::refused_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("error");
+    QTest::newRow("no folder") << QStringList() << QByteArray("no folder is given");
+    QTest::newRow("unknown option")
+        << QStringList(QStringLiteral("--foo")) << QByteArray("Unknown option 'foo'.");
+    QTest::newRow("missing argument") << QStringList(QStringLiteral("--include"))
+                                      << QByteArray("Missing value after '--include'.");
+    QTest::newRow("missing folder") << QStringList(QString::fromUtf8("n\xC3\xB6ne"))
+                                    << QByteArray("\"n\xC3\xB6ne\" does not exist");
+    QTest::newRow("file") << QStringList(QStringLiteral("file"))
+                          << QByteArray("\"file\" is not a folder");
+    QTest::newRow("no number") << QStringList(
+        {QStringLiteral("--max-kb"), QStringLiteral("x"), QStringLiteral(".")})
+                               << QByteArray("--max-kb takes a number, not \"x\"");
+}
+
+void tst_TwinsiftScan::refused()
+{
+    // Arguments that cannot be understood give status 2 and one line on standard error.
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, error);
+    file("file", "");
+    const Result result = run(arguments);
+    QCOMPARE(result.status, 2);
+    QCOMPARE(result.output, QByteArray());
+    QCOMPARE(result.error, "twinsift-scan: " + error + '\n');
+}
+
+void tst_TwinsiftScan::help()
+{
+    // The help goes to standard output.
+    const Result result = run({QStringLiteral("--help")});
+    QCOMPARE(result.status, 0);
+    QVERIFY(result.output.startsWith("Usage: "));
+    QVERIFY(result.output.contains("twinsift-scan [options] FOLDER..."));
+    QCOMPARE(result.error, QByteArray());
+}
+
+void tst_TwinsiftScan::version()
+{
+    // The version is that of the product.
+    const Result result = run({QStringLiteral("--version")});
+    QCOMPARE(result.status, 0);
+    QCOMPARE(result.output, QByteArray("twinsift-scan 1.2.3\n"));
+}
+
+void tst_TwinsiftScan::fullDevice()
+{
+    // Output that cannot be written gives status 1 and says why.
+    if (!QFile::exists(QStringLiteral("/dev/full"))) {
+        QSKIP("This machine has no device that is always full.");
+    }
+    file("a", "same!");
+    file("b", "same!");
+    const Result result = run({tree->root()}, {}, QStringLiteral("/dev/full"));
+    QCOMPARE(result.status, 1);
+    QCOMPARE(result.error, QByteArray("twinsift-scan: cannot write: No space left on device\n"));
+}
+
+void tst_TwinsiftScan::unreadableFile()
+{
+    // An unreadable file is logged and equal to nothing; the scan goes on.
+    file("a", "same!");
+    const QByteArray b = file("b", "same!");
+    const QByteArray c = file("c", "same!");
+    tree->setMode(QStringLiteral("a"), 0);
+    for (const char *up : {"", "/..", "/../.."}) {
+        const QByteArray place = QFile::encodeName(tree->root()) + up;
+        QCOMPARE(::chmod(place.constData(), 0755), 0);
+    }
+    PlainProcess process;
+    process.start(QStringLiteral(TWINSIFT_SCAN), {tree->root()});
+    QVERIFY(process.waitForFinished(longWaitMilliseconds)
+            || process.error() == QProcess::FailedToStart);
+    if (process.error() == QProcess::FailedToStart || process.exitCode() == 126) {
+        QSKIP("The super-user reads every file, and no other user can start the program here.");
+    }
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(process.readAllStandardOutput(), b + '\n' + c + "\n\n");
+    QCOMPARE(process.readAllStandardError().count("/a cannot opened! Permission denied"), 2);
+}
+
+void tst_TwinsiftScan::slowReader()
+{
+    // A reader that takes its time gets everything.
+    constexpr int count = 3000;
+    const QString name(200, QLatin1Char('x'));
+    for (int i = 0; i < count; ++i) {
+        tree->file(name + QString::number(i));
+    }
+    QProcess process;
+    QProcess sleeper;
+    process.setStandardOutputProcess(&sleeper);
+    process.start(QStringLiteral(TWINSIFT_SCAN), {tree->root()});
+    sleeper.start(QStringLiteral("sh"),
+                  {QStringLiteral("-c"), QStringLiteral("sleep 1; exec wc -l")});
+    QVERIFY(process.waitForFinished(longWaitMilliseconds));
+    QVERIFY(sleeper.waitForFinished(longWaitMilliseconds));
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(sleeper.readAllStandardOutput().trimmed(), QByteArray::number(count + 1));
+}
+
+TWINSIFT_TEST_MAIN(tst_TwinsiftScan)
+#include "tst_TwinsiftScan.moc"

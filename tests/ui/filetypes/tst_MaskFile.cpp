@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/TempTree.h"
+#include "tests/support/TestCase.h"
+#include "ui/filetypes/MaskFile.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+
+#include <unistd.h>
+
+namespace
+{
+QString fileName()
+{
+    return QStringLiteral("ftie.dat");
+}
+
+// clang-format off
+const char *const defaultLines[] = {
+    "Any File|*.*\n",
+    "Adobe Acrobat Files|*.PDFArchive Files|*.7Z;*.ACE;*.ALZ;*.ARC;*.ARJ;*.BZ2;*.BZ2;*.CAB;*.JAR;*.LZH;*.PAK;*.RAR;*.AT3;*.TGZ;*.TAR;*.GZ;*.UHA;*.ZIP\n",
+    "MS Office Files|*.MDB;*.ADP;*.MDA;*.MDE;*.ADE;*.XL;*.XLA;*.XLS*;*.XLT;*.XLM;*.XLC;*.XLW;*.PPS;*.PPT*;*.DOC*;*.WRI;*.CSV\n",
+    "Music Files|*.M4A;*.M4P;*.MP2;*.AAC;*.AIFF;*.APE;*.AU;*.FLAC;*.MID;*.MP3;*.OGG;*.WAV;*.WMA;*.MP3PRO;*.RM;*.RA\n",
+    "Open Office Files|*.ODT;*.ODS;*.ODG;*.ODP;*.ODM;*.ODF\n",
+    "Photo Images|*.BMP;*.GIF;*.ICO;*.JNG;*.JPG;*.JPEG;*.JPE;*.JP2;*.JPC;*.J2K;*.PNG;*.TIF;*.TIFF;*.EPS;*.CLP;*.CRW;*.CR2;*.DCX;*.EXR;*.KDC;*.PCX;*.PSD;*.RAW;*.SFW;*.WMF\n",
+    "Text Files|*.TXT;*.RTF\n",
+    "Video Files|*.3GP;*.MP4;*.SWF;*.FLA;*.FLV;*.MKV;*.MPEG;*.MPG;*.M1V;*.MP2;*.MPA;*.MPE;*.MOV;*.AVI;*.WMV;*.DIVX\n",
+    "Web Files|*.ASP;*.CSS;*.HTML;*.HTM;*.PHP;*.XHTML;*.JS\n",
+};
+// clang-format on
+} // namespace
+
+class tst_MaskFile final : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void readingPathLiesInTheDataFolderAndMakesIt();
+    void defaultContentHasNineLines();
+    void defaultThatCannotBeWrittenIsReported();
+    void entries_data();
+    void entries();
+    void boundsOfReading_data();
+    void boundsOfReading();
+    void hugeFileIsReadWithinBounds_data();
+    void hugeFileIsReadWithinBounds();
+    void whatIsNoRegularFileCannotBeOpened_data();
+    void whatIsNoRegularFileCannotBeOpened();
+    void unreadableFileCannotBeOpened();
+    void saveWritesTheWorkingFolder();
+    void saveRefusesWhatIsNoRegularFile_data();
+    void saveRefusesWhatIsNoRegularFile();
+};
+
+void tst_MaskFile::readingPathLiesInTheDataFolderAndMakesIt()
+{
+    // The file is read from the data folder of the program, which is made with its parents.
+    QVERIFY(QDir(home() + QStringLiteral("/.local")).removeRecursively());
+    const QString dataFolder = home() + QStringLiteral("/.local/share/tst_MaskFile");
+    QCOMPARE(MaskFile::readingPath(), dataFolder + QStringLiteral("/ftie.dat"));
+    QVERIFY(QFileInfo(dataFolder).isDir());
+    QVERIFY(!QFileInfo::exists(MaskFile::readingPath()));
+}
+
+void tst_MaskFile::defaultContentHasNineLines()
+{
+    // The default file holds the nine known lines and nothing else, 794 characters in all.
+    MaskFile::createDefault(path(fileName()));
+    const QByteArray content = TempTree::read(path(fileName()));
+    QByteArray wanted;
+    QStringList lines;
+    for (const char *const line : defaultLines) {
+        wanted.append(line);
+        lines.append(QString::fromLatin1(line));
+    }
+    QCOMPARE(content, wanted);
+    QCOMPARE(content.size(), 794);
+    QVERIFY(MaskFile::read(path(fileName())) == lines);
+}
+
+void tst_MaskFile::defaultThatCannotBeWrittenIsReported()
+{
+    // A default file that cannot be made leaves the error's text in the debug log.
+    const QString place = path(QStringLiteral("missing/ftie.dat"));
+    expectMessage(QtDebugMsg, QStringLiteral("\"No such file or directory\""));
+    expectMessage(QtWarningMsg,
+                  QStringLiteral("QIODevice::write (QFile, \"%1\"): device not open").arg(place));
+    MaskFile::createDefault(place);
+    QVERIFY(!QFileInfo::exists(place));
+}
+
+void tst_MaskFile::entries_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QStringList>("entries");
+    const QString a = QStringLiteral("A|*.x");
+    const QString b = QStringLiteral("B|*.y");
+    const QString lineFeed = QStringLiteral("\n");
+    QTest::newRow("empty") << QByteArray() << QStringList();
+    QTest::newRow("line feeds") << QByteArray("A|*.x\nB|*.y\n")
+                                << QStringList{a + lineFeed, b + lineFeed};
+    QTest::newRow("no line feed at the end")
+        << QByteArray("A|*.x\nB|*.y") << QStringList{a + lineFeed, b};
+    QTest::newRow("pairs") << QByteArray("A|*.x\r\nB|*.y\r\n") << QStringList{a, b};
+    QTest::newRow("line feed, then pair")
+        << QByteArray("A|*.x\n\r\nB|*.y\n\r\n")
+        << QStringList{a + lineFeed, QString(), b + lineFeed, QString()};
+    QTest::newRow("empty lines") << QByteArray("\nA|*.x\n\n")
+                                 << QStringList{lineFeed, a + lineFeed, lineFeed};
+    QTest::newRow("carriage returns alone")
+        << QByteArray("A\rB\r\r\n") << QStringList{QStringLiteral("A\rB\r")};
+    QTest::newRow("zero byte") << QByteArray("A|*.x\0;*.z\nB|*.y\n", 17)
+                               << QStringList{a, b + lineFeed};
+    QTest::newRow("line of zero bytes") << QByteArray(5, '\0') << QStringList{QString()};
+    QTest::newRow("UTF-8") << QByteArray("\xc3\xa4|*.x\n")
+                           << QStringList{QStringLiteral("ä|*.x\n")};
+    QTest::newRow("no UTF-8") << QByteArray("a\xff|*.x\n")
+                              << QStringList{QStringLiteral("a\uFFFD|*.x\n")};
+}
+
+void tst_MaskFile::entries()
+{
+    // A line keeps its bare line feed, loses its pairs and ends at its first zero byte.
+    QFETCH(const QByteArray, content);
+    QFETCH(const QStringList, entries);
+    QCOMPARE(MaskFile::entries(content), entries);
+    TempTree(path(QString())).file(fileName(), content);
+    QVERIFY(MaskFile::read(path(fileName())) == entries);
+}
+
+void tst_MaskFile::boundsOfReading_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("lengthOfFirst");
+    QTest::newRow("10,000 entries") << QByteArray("A|*.x\n").repeated(10000) << 10000 << 6;
+    QTest::newRow("as many entries as there may be")
+        << QByteArray("\n").repeated(MaskFile::maxEntries) << MaskFile::maxEntries << 1;
+    QTest::newRow("too many entries")
+        << QByteArray("\n").repeated(MaskFile::maxEntries + 1) << MaskFile::maxEntries << 1;
+    QTest::newRow("as long a line as there may be") << QByteArray(MaskFile::maxLineBytes - 1, 'x')
+            + "\n" << 1 << MaskFile::maxLineBytes;
+    QTest::newRow("too long a line, then another") << QByteArray(3 * MaskFile::maxLineBytes, 'x')
+            + "\ny\n" << 2 << MaskFile::maxLineBytes;
+}
+
+void tst_MaskFile::boundsOfReading()
+{
+    // What lies beyond the bounds is left out, what lies within them is whole.
+    QFETCH(const QByteArray, content);
+    QFETCH(const int, count);
+    QFETCH(const int, lengthOfFirst);
+    const QStringList entries = MaskFile::entries(content);
+    QCOMPARE(entries.size(), count);
+    QCOMPARE(entries.first().size(), lengthOfFirst);
+    QCOMPARE(entries.last().endsWith(QLatin1Char('\n')), true);
+}
+
+void tst_MaskFile::hugeFileIsReadWithinBounds_data()
+{
+    QTest::addColumn<QByteArray>("start");
+    QTest::addColumn<QString>("firstEntry");
+    QTest::newRow("zero bytes only") << QByteArray() << QString();
+    QTest::newRow("a line, then zero bytes") << QByteArray("A|*.x\n") << QStringLiteral("A|*.x\n");
+}
+
+void tst_MaskFile::hugeFileIsReadWithinBounds()
+{
+    // Of a file of a gigabyte only the first megabytes are looked at.
+    QFETCH(const QByteArray, start);
+    QFETCH(const QString, firstEntry);
+    const TempTree tree(path(QString()));
+    tree.file(fileName(), start);
+    QVERIFY(QFile::resize(path(fileName()), qint64(1) << 30));
+    QElapsedTimer timer;
+    timer.start();
+    const auto entries = MaskFile::read(path(fileName()));
+    QVERIFY(timer.elapsed() < 1000);
+    QCOMPARE(entries.value().first(), firstEntry);
+    QVERIFY(entries->size() <= 2);
+}
+
+void tst_MaskFile::whatIsNoRegularFileCannotBeOpened_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char *const kind : {"missing", "folder", "FIFO", "device", "link to a FIFO"}) {
+        QTest::newRow(kind) << QString::fromLatin1(kind);
+    }
+}
+
+void tst_MaskFile::whatIsNoRegularFileCannotBeOpened()
+{
+    // Whatever stands in the file's place, reading it returns at once and gives nothing.
+    QFETCH(const QString, kind);
+    const TempTree tree(path(QString()));
+    if (kind == QStringLiteral("folder")) {
+        tree.folder(fileName());
+    } else if (kind == QStringLiteral("FIFO")) {
+        tree.fifo(fileName());
+    } else if (kind == QStringLiteral("device")) {
+        tree.link(fileName(), QStringLiteral("/dev/zero"));
+    } else if (kind == QStringLiteral("link to a FIFO")) {
+        tree.link(fileName(), tree.fifo(QStringLiteral("pipe")));
+    }
+    QVERIFY(!MaskFile::read(path(fileName())).has_value());
+}
+
+void tst_MaskFile::unreadableFileCannotBeOpened()
+{
+    // A file without the right to read it gives nothing.
+    if (::geteuid() == 0) {
+        QSKIP("the superuser may read every file");
+    }
+    const TempTree tree(path(QString()));
+    tree.file(fileName(), "A|*.x\n");
+    tree.setMode(fileName(), 0);
+    QVERIFY(!MaskFile::read(path(fileName())).has_value());
+}
+
+void tst_MaskFile::saveWritesTheWorkingFolder()
+{
+    // Each entry is logged and saved in the working folder with a pair at its end, just one.
+    TempTree(path(QString())).file(fileName(), QByteArray(1000, 'x'));
+    expectMessage(QtDebugMsg, QStringLiteral("write \"A|*.x\\n\\r\\n\""));
+    expectMessage(QtDebugMsg, QStringLiteral("write \"B|*.y\\r\\n\""));
+    expectMessage(QtDebugMsg, QStringLiteral("write \"\u00e4|*.z\\r\\n\""));
+    expectMessage(QtDebugMsg, QStringLiteral("write \"\\r\\n\""));
+    QVERIFY(MaskFile::save({QStringLiteral("A|*.x\n"),
+                            QStringLiteral("B|*.y"),
+                            QStringLiteral("\u00e4|*.z\r\n"),
+                            QString()}));
+    QCOMPARE(TempTree::read(path(fileName())),
+             "A|*.x\n\r\nB|*.y\r\n" + QStringLiteral("\u00e4").toLocal8Bit() + "|*.z\r\n\r\n");
+    QVERIFY(!QFileInfo::exists(MaskFile::readingPath()));
+}
+
+void tst_MaskFile::saveRefusesWhatIsNoRegularFile_data()
+{
+    QTest::addColumn<bool>("fifo");
+    QTest::newRow("folder") << false;
+    QTest::newRow("FIFO") << true;
+}
+
+void tst_MaskFile::saveRefusesWhatIsNoRegularFile()
+{
+    // A folder or a FIFO in the place of the saved file is left alone, at once.
+    QFETCH(const bool, fifo);
+    const TempTree tree(path(QString()));
+    fifo ? tree.fifo(fileName()) : tree.folder(fileName());
+    QVERIFY(!MaskFile::save({QStringLiteral("A|*.x\n")}));
+    QVERIFY(!QFileInfo(path(fileName())).isFile());
+}
+
+TWINSIFT_TEST_MAIN(tst_MaskFile)
+#include "tst_MaskFile.moc"

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/TempTree.h"
+#include "tests/support/TestCase.h"
+#include "ui/results/DuplicatedFilesTableModel.h"
+#include "ui/results/FilepathDelegate.h"
+
+#include <QHelpEvent>
+#include <QStringListModel>
+#include <QTableView>
+#include <QToolTip>
+
+namespace
+{
+class Probe final : public DuplicatedFilesTableModel
+{
+public:
+    using DuplicatedFilesTableModel::iconCache;
+    using DuplicatedFilesTableModel::pixmapCache;
+};
+
+QString savePicture(const QString &path, int width, int height)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::blue);
+    return image.save(path, "PNG") ? path : QString();
+}
+
+class SizedView final : public QTableView
+{
+public:
+    using QTableView::sizeHintForColumn;
+};
+} // namespace
+
+class tst_FilepathDelegate final : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void sizesAColumnWithoutDecoding();
+    void isAsWideAsWhatIsPainted();
+    void leavesOtherModelsToTheToolkit();
+    void escapesWhatReadsAsMarkup();
+    void showsThePathAsItReads();
+};
+
+void tst_FilepathDelegate::sizesAColumnWithoutDecoding()
+{
+    // Many rows of pictures are measured, and none of them is decoded for it.
+    Probe model;
+    QStringList group;
+    for (int i = 0; i < 1200; ++i) {
+        group.append(path(QStringLiteral("%1.png").arg(i)));
+        QVERIFY(!savePicture(group.last(), 60, 30).isEmpty());
+    }
+    model.setDuplicatedFilesInList({group});
+    SizedView view;
+    view.setModel(&model);
+    view.setItemDelegateForColumn(2, new FilepathDelegate(&view));
+    const int textWidth = view.fontMetrics().horizontalAdvance(group.first());
+    QVERIFY(view.sizeHintForColumn(2) > textWidth + 64);
+    QVERIFY(model.iconCache.isEmpty());
+    QVERIFY(model.pixmapCache.isEmpty());
+}
+
+void tst_FilepathDelegate::isAsWideAsWhatIsPainted()
+{
+    // A measured row is as wide as the toolkit makes it, in plain and in bold.
+    const TempTree tree(path(QString()));
+    Probe model;
+    const QString wide = savePicture(path(QStringLiteral("wide.png")), 300, 100);
+    const QString narrow = savePicture(path(QStringLiteral("narrow.png")), 100, 300);
+    const QString text = tree.file(QStringLiteral("file.txt"), "text");
+    model.setDuplicatedFilesInList({{wide, narrow, text}, {text, narrow, wide}});
+    QTableView view;
+    const FilepathDelegate delegate(nullptr);
+    const QStyledItemDelegate toolkits;
+    QStyleOptionViewItem option;
+    option.initFrom(&view);
+    option.widget = &view;
+    option.font = view.font();
+    for (int row = 0; row < model.rowCount(); ++row) {
+        const QModelIndex index = model.index(row, 2);
+        const QSize size = delegate.sizeHint(option, index);
+        QCOMPARE(size.width(), toolkits.sizeHint(option, index).width());
+    }
+}
+
+void tst_FilepathDelegate::leavesOtherModelsToTheToolkit()
+{
+    // Rows of any other model are measured as the toolkit does.
+    const QStringListModel model({QStringLiteral("text")});
+    const FilepathDelegate delegate(nullptr);
+    const QStyledItemDelegate toolkits;
+    const QStyleOptionViewItem option;
+    QCOMPARE(delegate.sizeHint(option, model.index(0)), toolkits.sizeHint(option, model.index(0)));
+}
+
+void tst_FilepathDelegate::escapesWhatReadsAsMarkup()
+{
+    // Only a name that would be taken for markup is changed on its way to the screen.
+    const auto shown = FilepathDelegate::displayedToolTip;
+    const QString plain = QStringLiteral("/tmp/a & b.txt");
+    QCOMPARE(shown(plain, plain), plain);
+    const QString markup = QStringLiteral("/tmp/<b>x");
+    QVERIFY(shown(markup, markup).contains(QStringLiteral("/tmp/&lt;b&gt;x")));
+    QCOMPARE(
+        shown(QStringLiteral("<img src = \"/a.png\" height=1 width=2>"), QStringLiteral("/a.png")),
+        QStringLiteral("<img src = \"/a.png\" height=1 width=2>"));
+    QCOMPARE(shown(QStringLiteral("<img src = \"/\"><h1>.png\" height=1 width=2>"),
+                   QStringLiteral("/\"><h1>.png")),
+             QStringLiteral("<img src = \"/&quot;&gt;&lt;h1&gt;.png\" height=1 width=2>"));
+}
+
+void tst_FilepathDelegate::showsThePathAsItReads()
+{
+    // Resting the mouse on a row shows the tool tip; where there is no row there is none.
+    const TempTree tree(path(QString()));
+    Probe model;
+    const QString markup = tree.file(QStringLiteral("<b>x.txt"));
+    const QString plain = tree.file(QStringLiteral("y.txt"));
+    model.setDuplicatedFilesInList({{plain, markup}});
+    QTableView view;
+    view.setModel(&model);
+    view.setItemDelegateForColumn(2, new FilepathDelegate(&view));
+    view.resize(800, 300);
+    view.show();
+    const auto rest = [&view](const QPoint &point) {
+        QHelpEvent event(QEvent::ToolTip, point, view.viewport()->mapToGlobal(point));
+        QApplication::sendEvent(view.viewport(), &event);
+        return event.isAccepted();
+    };
+    QVERIFY(rest(view.visualRect(model.index(0, 2)).center()));
+    QVERIFY(QToolTip::text().contains(QStringLiteral("&lt;b&gt;x.txt")));
+    QVERIFY(rest(view.visualRect(model.index(1, 2)).center()));
+    QCOMPARE(QToolTip::text(), plain);
+    QVERIFY(rest(view.visualRect(model.index(1, 1)).center()));
+    QCOMPARE(QToolTip::text(), QStringLiteral("1"));
+    QVERIFY(!rest(QPoint(20, 290)));
+    QToolTip::hideText();
+}
+
+TWINSIFT_TEST_MAIN(tst_FilepathDelegate)
+#include "tst_FilepathDelegate.moc"

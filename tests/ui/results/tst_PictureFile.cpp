@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/TempTree.h"
+#include "tests/support/TestCase.h"
+#include "tests/ui/results/RestrictedRights.h"
+#include "ui/results/PictureFile.h"
+
+#include <QPixmap>
+
+namespace
+{
+QByteArray bigEndian(quint32 number)
+{
+    QByteArray bytes;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        bytes.append(static_cast<char>((number >> static_cast<unsigned>(shift)) & 0xffU));
+    }
+    return bytes;
+}
+
+// A canvas of 16384 by 16128 pixels with one picture of 1 by 1 on it.
+QByteArray hugeGif()
+{
+    return QByteArray::fromHex("474946383961"
+                               "0040"
+                               "003f"
+                               "f00000"
+                               "000000ffffff"
+                               "2c00000000010001000002024401003b");
+}
+
+// An icon of 16 by 16 by its directory, in which a PNG of 20000 by 20000 pixels begins.
+QByteArray hugeIcon()
+{
+    return QByteArray::fromHex("00000100"
+                               "0100"
+                               "10100000"
+                               "0100"
+                               "2000"
+                               "40000000"
+                               "16000000")
+        + QByteArray::fromHex("89504e470d0a1a0a"
+                              "0000000d"
+                              "49484452")
+        + bigEndian(20000) + bigEndian(20000) + QByteArray(32, '\0');
+}
+
+QImage gradient(const QSize &size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            image.setPixel(x, y, qRgb(255 * x / size.width(), 255 * y / size.height(), 128));
+        }
+    }
+    return image;
+}
+} // namespace
+
+class tst_PictureFile final : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void readsByContent();
+    void readsSmallGifsAndIcons();
+    void hasNoPictureIn_data();
+    void hasNoPictureIn();
+    void doesNotWaitForAPipe();
+    void refusesWhatItMayNotRead();
+    void takesAPictureUpToTheLimit();
+    void isNullForATornPicture();
+    void takesNoNameForARatio();
+    void scalesAsTheToolkitDoes();
+    void decodesAtReducedSize();
+    void enlargesASmallPicture();
+    void hasNoSizeTooWideToPaint();
+};
+
+void tst_PictureFile::readsByContent()
+{
+    // The size and the pixels of a picture are read whatever its name ends in.
+    const QImage image = gradient(QSize(70, 50));
+    QVERIFY(image.save(path(QStringLiteral("picture.jp")), "PNG"));
+    PictureFile file(path(QStringLiteral("picture.jp")));
+    QCOMPARE(file.size(), QSize(70, 50));
+    QCOMPARE(file.read().convertToFormat(QImage::Format_RGB32), image);
+}
+
+void tst_PictureFile::readsSmallGifsAndIcons()
+{
+    // The formats whose headers are looked at twice are pictures as any other.
+    QByteArray gif = hugeGif();
+    gif.replace(6, 4, QByteArray::fromHex("02000300"));
+    const QString animation = TempTree(path(QString())).file(QStringLiteral("a.gif"), gif);
+    QCOMPARE(PictureFile(animation).size(), QSize(2, 3));
+    QCOMPARE(PictureFile(animation).read().size(), QSize(2, 3));
+    for (const int side : {16, 256}) {
+        const QString icon = path(QStringLiteral("a.ico"));
+        QVERIFY(gradient(QSize(side, side)).save(icon, "ICO"));
+        QCOMPARE(PictureFile(icon).size(), QSize(side, side));
+        QCOMPARE(PictureFile(icon).read().size(), QSize(side, side));
+        QCOMPARE(PictureFile(icon).readAtHeight(32).size(), QSize(32, 32));
+    }
+}
+
+void tst_PictureFile::hasNoPictureIn_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("an empty file") << QByteArray();
+    QTest::newRow("a text") << QByteArray("no picture at all");
+    QTest::newRow("a head of more than 256 megapixels") << QByteArray("P4\n16001 16000\n");
+    QTest::newRow("a huge canvas around a small picture") << hugeGif();
+    QTest::newRow("the head of such a canvas alone") << hugeGif().left(9);
+    QTest::newRow("a huge picture in a small icon") << hugeIcon();
+    QTest::newRow("the directory of an icon alone") << hugeIcon().left(22);
+}
+
+void tst_PictureFile::hasNoPictureIn()
+{
+    // What is no picture, or announces too large a one, has no size and reads as null.
+    QFETCH(QByteArray, content);
+    const QString name = TempTree(path(QString())).file(QStringLiteral("x.png"), content);
+    PictureFile file(name);
+    QVERIFY(!file.size().isValid());
+    QVERIFY(file.read().isNull());
+    QVERIFY(PictureFile(name).readAtHeight(32).isNull());
+}
+
+void tst_PictureFile::doesNotWaitForAPipe()
+{
+    // A pipe, a folder and a file that is not there read as null at once.
+    const TempTree tree(path(QString()));
+    for (const QString &name : {tree.fifo(QStringLiteral("pipe.png")),
+                                tree.folder(QStringLiteral("folder.png")),
+                                tree.path(QStringLiteral("missing.png"))}) {
+        PictureFile file(name);
+        QVERIFY(!file.size().isValid());
+        QVERIFY(file.read().isNull());
+        QVERIFY(file.readAtHeight(32).isNull());
+    }
+}
+
+void tst_PictureFile::refusesWhatItMayNotRead()
+{
+    // A file that may not be read is null, even if one with a further ending lies beside it.
+    const TempTree tree(path(QString()));
+    QVERIFY(gradient(QSize(8, 8)).save(path(QStringLiteral("a.png"))));
+    QVERIFY(gradient(QSize(8, 8)).save(path(QStringLiteral("a.png.png"))));
+    tree.setMode(QStringLiteral("a.png"), 0);
+    const RestrictedRights rights;
+    QVERIFY(!PictureFile(path(QStringLiteral("a.png"))).size().isValid());
+    QCOMPARE(PictureFile(path(QStringLiteral("a.png.png"))).size(), QSize(8, 8));
+}
+
+void tst_PictureFile::takesAPictureUpToTheLimit()
+{
+    // 256 megapixels are 256,000,000 pixels, and that many are still a picture.
+    const TempTree tree(path(QString()));
+    const QString name = tree.file(QStringLiteral("large.png"), "P4\n16000 16000\n");
+    QCOMPARE(PictureFile(name).size(), QSize(16000, 16000));
+}
+
+void tst_PictureFile::isNullForATornPicture()
+{
+    // A picture that ends too early has a size, but no pixels.
+    const QString name = path(QStringLiteral("torn.png"));
+    QVERIFY(gradient(QSize(200, 200)).save(name));
+    QVERIFY(QFile::resize(name, 300));
+    QCOMPARE(PictureFile(name).size(), QSize(200, 200));
+    QVERIFY(PictureFile(name).read().isNull());
+    QVERIFY(PictureFile(name).readAtHeight(32).isNull());
+}
+
+void tst_PictureFile::takesNoNameForARatio()
+{
+    // A photo whose name ends in "@2x" is as large as its pixels.
+    QVERIFY(gradient(QSize(100, 100)).save(path(QStringLiteral("photo@2x.png"))));
+    QCOMPARE(PictureFile(path(QStringLiteral("photo@2x.png"))).read().devicePixelRatio(), 1.0);
+    const QImage icon = PictureFile(path(QStringLiteral("photo@2x.png"))).readAtHeight(32);
+    QCOMPARE(icon.devicePixelRatio(), 1.0);
+    QCOMPARE(icon.size(), QSize(32, 32));
+}
+
+void tst_PictureFile::scalesAsTheToolkitDoes()
+{
+    // The width at a height is the one that the toolkit's smooth scaling gives.
+    for (int width = 1; width < 700; width += 13) {
+        for (int height = 1; height < 700; height += 17) {
+            const QImage image(width, height, QImage::Format_Mono);
+            QCOMPARE(PictureFile::sizeAtHeight(image.size(), 32),
+                     image.scaledToHeight(32, Qt::SmoothTransformation).size());
+        }
+    }
+}
+
+void tst_PictureFile::decodesAtReducedSize()
+{
+    // A large photo has the size and the colours of the whole one, scaled.
+    const QImage image = gradient(QSize(1600, 1200));
+    QVERIFY(image.save(path(QStringLiteral("large.jpg")), "JPEG", 95));
+    const QImage icon = PictureFile(path(QStringLiteral("large.jpg"))).readAtHeight(32);
+    const QImage whole = image.scaledToHeight(32, Qt::SmoothTransformation);
+    QCOMPARE(icon.size(), whole.size());
+    for (const QPoint &point : {QPoint(1, 1), QPoint(40, 1), QPoint(1, 30), QPoint(21, 16)}) {
+        const QColor seen = icon.pixelColor(point);
+        const QColor wanted = whole.pixelColor(point);
+        QVERIFY(qAbs(seen.red() - wanted.red()) < 8);
+        QVERIFY(qAbs(seen.green() - wanted.green()) < 8);
+        QVERIFY(qAbs(seen.blue() - wanted.blue()) < 8);
+    }
+}
+
+void tst_PictureFile::enlargesASmallPicture()
+{
+    // A picture lower than the height grows to it.
+    QVERIFY(gradient(QSize(20, 10)).save(path(QStringLiteral("small.png"))));
+    const QImage icon = PictureFile(path(QStringLiteral("small.png"))).readAtHeight(32);
+    QCOMPARE(icon.size(), QSize(64, 32));
+}
+
+void tst_PictureFile::hasNoSizeTooWideToPaint()
+{
+    // A line of pixels is not blown up to a picture that no painter can draw.
+    QVERIFY(PictureFile::sizeAtHeight(QSize(1100, 1), 32).isEmpty());
+    QCOMPARE(PictureFile::sizeAtHeight(QSize(1000, 1), 32), QSize(32000, 32));
+    QVERIFY(PictureFile::sizeAtHeight(QSize(), 32).isEmpty());
+    QVERIFY(gradient(QSize(1100, 1)).save(path(QStringLiteral("line.png"))));
+    QVERIFY(PictureFile(path(QStringLiteral("line.png"))).readAtHeight(32).isNull());
+}
+
+TWINSIFT_TEST_MAIN(tst_PictureFile)
+#include "tst_PictureFile.moc"

@@ -1,0 +1,394 @@
+// SPDX-License-Identifier: MIT
+#include "ui/results/DuplicatedFilesListWidget.h"
+
+#include "app/MainWindow.h"
+#include "app/Model.h"
+#include "app/ModelEvent.h"
+#include "ui/Picture.h"
+#include "ui/progress/ClickableLabel.h"
+#include "ui/results/DuplicatedFilesTableModel.h"
+#include "ui/results/FilepathDelegate.h"
+#include "ui/results/Trash.h"
+
+#include <QAction>
+#include <QCursor>
+#include <QDebug>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QSaveFile>
+#include <QTableView>
+#include <QUrl>
+#include <QVBoxLayout>
+
+namespace
+{
+constexpr int configurationPage = 0;
+constexpr int actionPictureHeight = 24;
+constexpr int navigationPictureHeight = 48;
+constexpr qreal rowHeightFactor = 1.2;
+constexpr qreal groupWidthFactor = 1.5;
+
+QString selectAllText()
+{
+    return QStringLiteral("Select All");
+}
+
+QString unselectAllText()
+{
+    return QStringLiteral("Unselect All");
+}
+
+QString saveListText()
+{
+    return QStringLiteral("Save List");
+}
+
+QString openFileText()
+{
+    return QStringLiteral("Open File");
+}
+
+QString openFileLocationText()
+{
+    return QStringLiteral("Open File Location");
+}
+
+QString deleteCurrentFileText()
+{
+    return QStringLiteral("Delete Current File");
+}
+
+// A pipe or a device is no place for a list: opening one may wait for ever, and putting the finished
+// list in its place would destroy it.
+bool canHoldList(const QString &path)
+{
+    const QFileInfo file(path);
+    return !file.exists() || file.isFile();
+}
+} // namespace
+
+DuplicatedFilesListWidget::DuplicatedFilesListWidget(Model *eventHub, MainWindow *window)
+    : QWidget(window)
+    , model(eventHub)
+    , mainWindow(window)
+{
+    auto *const layout = new QVBoxLayout(this);
+    layout->addLayout(createActionRow());
+    createTable();
+    layout->addWidget(tableView);
+    layout->addLayout(createNavigationRow());
+    connect(model,
+            SIGNAL(modelEvent(const ModelEvent*)),
+            this,
+            SLOT(onModelEvent(const ModelEvent*)));
+}
+
+void DuplicatedFilesListWidget::deleteSelectedFiles()
+{
+    scanConfigurationButton->setEnabled(false);
+    const QStringList paths = tableModel->selectedFiles();
+    for (const QString &path : paths) {
+        if (!moveFileToTrash(path)) {
+            qDebug().noquote() << QStringLiteral("Cannot remove file:") << path;
+        }
+        tableView->repaint();
+    }
+    scanConfigurationButton->setEnabled(true);
+    // The rows of the files that have gone are red from now on.
+    tableView->viewport()->update();
+    showBox(QMessageBox::Information,
+            QStringLiteral("Complete!"),
+            QStringLiteral("Duplicated files was deleted!"));
+}
+
+void DuplicatedFilesListWidget::saveList()
+{
+    const QString path = QFileDialog::getSaveFileName(this,
+                                                      QStringLiteral("Save File"),
+                                                      QDir::homePath(),
+                                                      QStringLiteral("Text files (*.txt *.csv)"));
+    if (path.isEmpty() || !canHoldList(path)) {
+        return;
+    }
+    QSaveFile file(path);
+    // A file in a folder that cannot be written can itself be.
+    file.setDirectWriteFallback(true);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return;
+    }
+    for (int row = 0; row < tableModel->rowCount(); ++row) {
+        file.write(lineOfRow(row).toLocal8Bit());
+    }
+    if (file.commit()) {
+        showBox(QMessageBox::Information,
+                QStringLiteral("File saved"),
+                QStringLiteral("File saving complete!"));
+    }
+}
+
+bool DuplicatedFilesListWidget::moveFileToTrash(const QString &path)
+{
+    return Trash::moveFile(path);
+}
+
+void DuplicatedFilesListWidget::removeFile(const QString &path)
+{
+    const auto answer = showBox(QMessageBox::Question,
+                                QStringLiteral("Delete Duplicated Files"),
+                                QStringLiteral("Start deleting %1 file. Are you sure?").arg(path));
+    if (answer == QMessageBox::Yes) {
+        QFile::remove(path);
+        tableView->viewport()->update();
+    }
+}
+
+void DuplicatedFilesListWidget::onModelEvent(const ModelEvent *modelEvent)
+{
+    if (modelEvent->type != TypeFindDuplicatedFilesFinishedEvent) {
+        return;
+    }
+    const auto *const event = static_cast<const FindDuplicatedFilesFinishedEvent *>(modelEvent);
+    tableModel->setDuplicatedFilesInList(event->duplicatedFiles);
+    tableView->reset();
+    tableView->resizeColumnToContents(DuplicatedFilesTableModel::FilepathColumn);
+}
+
+void DuplicatedFilesListWidget::onModelIndexClicked(QModelIndex index)
+{
+    if (index.column() == DuplicatedFilesTableModel::CheckColumn) {
+        toggleRow(index);
+    }
+}
+
+void DuplicatedFilesListWidget::onButtonClicked()
+{
+    const QObject *const button = sender();
+    if (button == selectAllButton) {
+        tableModel->setCheckStateAll(true);
+    } else if (button == unselectAllButton) {
+        tableModel->setCheckStateAll(false);
+    } else if (button == saveListButton) {
+        saveList();
+    } else if (button == scanConfigurationButton) {
+        mainWindow->setCurrentWidget(configurationPage);
+    } else if (button == deleteSelectedFilesButton) {
+        askToDeleteSelectedFiles();
+    }
+}
+
+void DuplicatedFilesListWidget::onCustomContextMenuRequested(const QPoint &pos)
+{
+    Q_UNUSED(pos)
+    const QModelIndex current = tableView->currentIndex();
+    if (!current.isValid()) {
+        return;
+    }
+    contextRow = current.row();
+    const QModelIndex cell =
+        tableModel->index(contextRow, DuplicatedFilesTableModel::FilepathColumn);
+    auto *const menu = new QMenu(this);
+    connect(menu, SIGNAL(triggered(QAction*)), this, SLOT(onActionTriggered(QAction*)));
+    connect(menu, SIGNAL(triggered(QAction*)), menu, SLOT(deleteLater()));
+    // A menu that is dismissed triggers nothing.
+    connect(menu, SIGNAL(aboutToHide()), menu, SLOT(deleteLater()));
+    if (QFileInfo::exists(cell.data().toString())) {
+        menu->addAction(openFileText());
+        menu->addAction(openFileLocationText());
+        menu->addAction(deleteCurrentFileText());
+        menu->addSeparator();
+    }
+    menu->addAction(saveListText());
+    menu->addSeparator();
+    menu->addAction(selectAllText());
+    menu->addAction(unselectAllText());
+    menu->popup(QCursor::pos());
+}
+
+void DuplicatedFilesListWidget::onActionTriggered(QAction *action)
+{
+    const QModelIndex cell =
+        tableModel->index(contextRow, DuplicatedFilesTableModel::FilepathColumn);
+    if (!cell.isValid()) {
+        return;
+    }
+    const QString path = cell.data().toString();
+    // Some desktops put access keys into the texts of a menu.
+    const QString text = action->text().remove(QLatin1Char('&'));
+    // The addresses are made of the bare path, so a "#" or a "%" in it is read as in any address.
+    if (text == openFileText()) {
+        QDesktopServices::openUrl(QUrl(QFileInfo(path).absoluteFilePath()));
+    } else if (text == openFileLocationText()) {
+        QDesktopServices::openUrl(QUrl(QFileInfo(path).absolutePath()));
+    } else if (text == deleteCurrentFileText()) {
+        removeFile(path);
+    } else if (text == saveListText()) {
+        saveList();
+    } else if (text == selectAllText()) {
+        tableModel->setCheckStateAll(true);
+    } else if (text == unselectAllText()) {
+        tableModel->setCheckStateAll(false);
+    }
+}
+
+void DuplicatedFilesListWidget::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    const int missing = tableView->width() - tableView->horizontalHeader()->length();
+    if (missing > 0) {
+        const int filepath = DuplicatedFilesTableModel::FilepathColumn;
+        tableView->setColumnWidth(filepath, tableView->columnWidth(filepath) + missing);
+    }
+}
+
+bool DuplicatedFilesListWidget::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == tableView && event->type() == QEvent::KeyPress
+        && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Space
+        && tableView->currentIndex().isValid()) {
+        toggleRow(tableView->currentIndex());
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+QHBoxLayout *DuplicatedFilesListWidget::createActionRow()
+{
+    const auto create = [this](const QString &text, const QString &picture) {
+        return createButton(text, picture, actionPictureHeight, QFont::Normal);
+    };
+    selectAllButton = create(selectAllText(), QStringLiteral(":/content/actionCheck.png"));
+    unselectAllButton = create(unselectAllText(), QStringLiteral(":/content/actionUncheck.png"));
+    saveListButton = create(saveListText(), QStringLiteral(":/content/actionSave.png"));
+    deleteSelectedFilesButton = create(QStringLiteral("Delete Selected Files"),
+                                       QStringLiteral(":/content/actionTrash.png"));
+    auto *const row = new QHBoxLayout;
+    row->addWidget(selectAllButton);
+    row->addWidget(unselectAllButton);
+    row->addStretch();
+    row->addWidget(saveListButton);
+    row->addWidget(deleteSelectedFilesButton);
+    return row;
+}
+
+QHBoxLayout *DuplicatedFilesListWidget::createNavigationRow()
+{
+    scanConfigurationButton = createButton(QStringLiteral("Scan Configuration"),
+                                           QStringLiteral(":/content/arrow_prev.png"),
+                                           navigationPictureHeight,
+                                           QFont::Bold);
+    auto *const row = new QHBoxLayout;
+    row->addWidget(scanConfigurationButton);
+    row->addStretch();
+    return row;
+}
+
+void DuplicatedFilesListWidget::createTable()
+{
+    tableModel = new DuplicatedFilesTableModel;
+    tableModel->setParent(this);
+    tableView = new QTableView(this);
+    tableView->setModel(tableModel);
+    tableView->setItemDelegateForColumn(DuplicatedFilesTableModel::FilepathColumn,
+                                        new FilepathDelegate(tableView));
+    tableView->setAccessibleName(QStringLiteral("Duplicate files"));
+    QHeaderView *const rowHeader = tableView->verticalHeader();
+    const int rowHeight = static_cast<int>(rowHeader->defaultSectionSize() * rowHeightFactor);
+    rowHeader->hide();
+    rowHeader->setDefaultSectionSize(rowHeight);
+    tableView->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(tableView,
+            SIGNAL(customContextMenuRequested(QPoint)),
+            this,
+            SLOT(onCustomContextMenuRequested(QPoint)));
+    tableView->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    tableView->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    connect(tableView, SIGNAL(clicked(QModelIndex)), this, SLOT(onModelIndexClicked(QModelIndex)));
+    tableView->horizontalHeader()->setSectionResizeMode(DuplicatedFilesTableModel::CheckColumn,
+                                                        QHeaderView::Fixed);
+    tableView->setColumnWidth(DuplicatedFilesTableModel::CheckColumn, rowHeight);
+    tableView->setColumnWidth(DuplicatedFilesTableModel::GroupColumn,
+                              static_cast<int>(rowHeight * groupWidthFactor));
+    tableView->resizeColumnToContents(DuplicatedFilesTableModel::FilepathColumn);
+    tableView->resizeColumnToContents(DuplicatedFilesTableModel::SizeColumn);
+    tableView->setSelectionMode(QAbstractItemView::SingleSelection);
+    tableView->setSelectionBehavior(QAbstractItemView::SelectRows);
+    // There is nothing to edit in a cell, so Tab goes on to the next control.
+    tableView->setTabKeyNavigation(false);
+    tableView->installEventFilter(this);
+}
+
+ClickableLabel *DuplicatedFilesListWidget::createButton(const QString &text,
+                                                        const QString &picture,
+                                                        int height,
+                                                        int weight)
+{
+    QFont font;
+    font.setWeight(weight);
+    auto *const button = new ClickableLabel(text, this);
+    button->setPixmap(Picture::scaledToHeight(picture, height, devicePixelRatioF()));
+    button->setTextFont(font);
+    button->textColor = QColor(QStringLiteral("#696969"));
+    connect(button, SIGNAL(clicked()), this, SLOT(onButtonClicked()));
+    return button;
+}
+
+// Ticking resets the model, and with it the current row.
+void DuplicatedFilesListWidget::toggleRow(const QModelIndex &index)
+{
+    const int row = index.row();
+    tableModel->setCheckState(index);
+    tableView->selectRow(row);
+}
+
+void DuplicatedFilesListWidget::askToDeleteSelectedFiles()
+{
+    showBox(QMessageBox::Warning,
+            QStringLiteral("Warning"),
+            QStringLiteral("<b>Warning!<br><br>Deleting files may cause some applications to "
+                           "crash.<br></b><br>Before deleting, we recommend to you check the list "
+                           "of files to be deleted."),
+            Qt::RichText);
+    const int count = tableModel->selectedFiles().size();
+    const auto answer = showBox(
+        QMessageBox::Question,
+        QStringLiteral("Delete Duplicate Files"),
+        QStringLiteral("Start moving %1 duplicate files to trash. Are you sure?").arg(count));
+    if (answer == QMessageBox::Yes) {
+        deleteSelectedFiles();
+    }
+}
+
+QMessageBox::StandardButton DuplicatedFilesListWidget::showBox(QMessageBox::Icon icon,
+                                                               const QString &title,
+                                                               const QString &text,
+                                                               Qt::TextFormat format)
+{
+    const bool isQuestion = icon == QMessageBox::Question;
+    QMessageBox box(icon,
+                    title,
+                    text,
+                    isQuestion ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok,
+                    this);
+    box.setTextFormat(format);
+    box.setDefaultButton(isQuestion ? QMessageBox::No : QMessageBox::Ok);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
+// One field after the other: a path with a place marker in it takes the size there.
+QString DuplicatedFilesListWidget::lineOfRow(int row) const
+{
+    const auto field = [this, row](int column) {
+        return tableModel->index(row, column).data().toString();
+    };
+    return QStringLiteral("%1;%2;%3\r\n")
+        .arg(field(DuplicatedFilesTableModel::GroupColumn))
+        .arg(field(DuplicatedFilesTableModel::FilepathColumn))
+        .arg(field(DuplicatedFilesTableModel::SizeColumn));
+}

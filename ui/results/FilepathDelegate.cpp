@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "ui/results/FilepathDelegate.h"
+
+#include "ui/results/DuplicatedFilesTableModel.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QHelpEvent>
+#include <QStyle>
+#include <QTextDocument>
+#include <QToolTip>
+
+FilepathDelegate::FilepathDelegate(QObject *parent)
+    : QStyledItemDelegate(parent)
+{
+}
+
+QSize FilepathDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const auto *const model = qobject_cast<const DuplicatedFilesTableModel *>(index.model());
+    if (model == nullptr) {
+        return QStyledItemDelegate::sizeHint(option, index);
+    }
+    QStyleOptionViewItem item = option;
+    item.index = index;
+    item.text = displayText(index.data(Qt::DisplayRole), option.locale);
+    item.features |= QStyleOptionViewItem::HasDisplay | QStyleOptionViewItem::HasDecoration;
+    item.decorationSize = model->decorationSize(index);
+    const QVariant font = index.data(Qt::FontRole);
+    if (font.isValid()) {
+        item.font = font.value<QFont>().resolve(option.font);
+        item.fontMetrics = QFontMetrics(item.font);
+    }
+    const QStyle *const style =
+        item.widget != nullptr ? item.widget->style() : QApplication::style();
+    return style->sizeFromContents(QStyle::CT_ItemViewItem, &item, QSize(), item.widget);
+}
+
+bool FilepathDelegate::helpEvent(QHelpEvent *event,
+                                 QAbstractItemView *view,
+                                 const QStyleOptionViewItem &option,
+                                 const QModelIndex &index)
+{
+    if (event->type() != QEvent::ToolTip || !index.isValid()) {
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    }
+    const QString toolTip = displayedToolTip(index.data(Qt::ToolTipRole).toString(),
+                                             index.data(Qt::DisplayRole).toString());
+    QToolTip::showText(event->globalPos(), toolTip, view, view->visualRect(index));
+    event->setAccepted(!toolTip.isEmpty());
+    return event->isAccepted();
+}
+
+QString FilepathDelegate::displayedToolTip(const QString &toolTip, const QString &path)
+{
+    if (toolTip == path) {
+        return Qt::mightBeRichText(path) ? Qt::convertFromPlainText(path, Qt::WhiteSpaceNormal)
+                                         : path;
+    }
+    return QString(toolTip).replace(path, path.toHtmlEscaped());
+}

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QStyledItemDelegate>
+
+/**
+ * The column of paths in the results table.
+ *
+ * A view sizes a column by up to a thousand of its rows, on screen or not; this delegate answers
+ * without having their pictures decoded. Its tool tips show any file name as it reads.
+ */
+class FilepathDelegate final : public QStyledItemDelegate
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(FilepathDelegate)
+
+public:
+    explicit FilepathDelegate(QObject *parent);
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    bool helpEvent(QHelpEvent *event,
+                   QAbstractItemView *view,
+                   const QStyleOptionViewItem &option,
+                   const QModelIndex &index) override;
+
+    /** The model's tool tip for a path, with whatever would be read as markup in the path escaped. */
+    static QString displayedToolTip(const QString &toolTip, const QString &path);
+};
