@@ -6,6 +6,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+from unittest import mock
 
 SCRIPTS = sys.argv.pop(1)
 sys.path.insert(0, SCRIPTS)
@@ -62,6 +63,17 @@ class Runs(unittest.TestCase):
         self.assertFalse(sample(1.0, other_cores=0.1).is_disturbed)
         self.assertFalse(sample(0.01, other_cores=0.9).is_disturbed)
 
+    @mock.patch.multiple(measure, SHORT_SECONDS=0, MAX_OTHER_CORES=-1, MAX_REPEATED_ROUNDS=2)
+    def test_repetition(self):
+        # Disturbed rounds are repeated, but not for ever.
+        with tempfile.TemporaryDirectory() as folder:
+            log = os.path.join(folder, "log")
+            command = ["sh", "-c", "sleep 0.3; echo run >> %s" % log]
+            series = measure.alternate({"a": command}, dict(os.environ), 2)
+            with open(log, encoding="ascii") as file:
+                self.assertEqual(len(file.readlines()), 4)
+            self.assertEqual(len(series["a"].samples), 2)
+
     def test_disturbed_series(self):
         # Less than half of the runs cannot move the median.
         quiet, disturbed = sample(1.0), sample(2.0, other_cores=0.9)
@@ -73,6 +85,8 @@ class Runs(unittest.TestCase):
         with self.assertRaisesRegex(measure.Failure, "ended with 3: no such luck"):
             measure.run(["sh", "-c", "echo no such luck >&2; exit 3"], dict(os.environ))
 
+    # However busy the machine is: the two are short.
+    @mock.patch.multiple(measure, SHORT_SECONDS=60, MAX_OTHER_CORES=1000)
     def test_alternation(self):
         # Each command runs once a round, and short ones get twice the rounds.
         with tempfile.TemporaryDirectory() as folder:
