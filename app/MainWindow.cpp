@@ -5,44 +5,217 @@
 #include "app/Model.h"
 #include "app/ModelEvent.h"
 #include "app/Product.h"
+#include "engine/Configuration.h"
+#include "engine/FileFinderEngine.h"
+#include "ui/Picture.h"
+#include "ui/config/ScanConfigurationWidget.h"
+#include "ui/progress/AboutWidget.h"
+#include "ui/progress/StatusBarWidget.h"
+#include "ui/progress/WidgetAnalyzeWaiting.h"
+#include "ui/results/DuplicatedFilesListWidget.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QDesktopServices>
+#include <QDesktopWidget>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QPainter>
+#include <QPalette>
 #include <QStackedWidget>
+#include <QThread>
+#include <QTimer>
+#include <QUrl>
+#include <QVBoxLayout>
+
+namespace
+{
+constexpr int postDelayMilliseconds = 10;
+constexpr int minimumWidthPixels = 1024;
+constexpr int minimumHeightPixels = 1280;
+
+// The version's digits without the points, as one number: 1.2.10 counts as newer than 1.2.3.
+int versionNumber(QString version)
+{
+    return version.remove(QLatin1Char('.')).toInt();
+}
+
+void open(const char *address)
+{
+    QDesktopServices::openUrl(QUrl(QString::fromLatin1(address)));
+}
+
+// A controller outlives its window, since a request or a queued signal may still be on its way to
+// it. Kept here so that it stays reachable.
+void keep(Controller *controller)
+{
+    static QList<Controller *> controllers;
+    controllers.append(controller);
+}
+
+// Texts are black on the window's white, whatever the desktop's colours are.
+void installPalette()
+{
+    QPalette palette;
+    palette.setBrush(QPalette::WindowText, Qt::black);
+    palette.setBrush(QPalette::Text, Qt::black);
+    QGuiApplication::setPalette(palette);
+}
+} // namespace
 
 MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent)
 {
+    setWindowIcon(QIcon(QStringLiteral(":/content/search-drive.png")));
+    installPalette();
     model = new Model(this);
     connect(model,
-            SIGNAL(modelEvent(const ModelEvent *)),
+            SIGNAL(modelEvent(const ModelEvent*)),
             this,
-            SLOT(onModelEvent(const ModelEvent *)));
+            SLOT(onModelEvent(const ModelEvent*)));
     controller = new Controller(model, nullptr);
+    keep(controller);
+
     stackedWidget = new QStackedWidget(this);
-    for (int page = 0; page < 3; ++page) {
-        stackedWidget->addWidget(new QWidget);
-    }
-    setCentralWidget(stackedWidget);
+    auto *const layout = new QVBoxLayout;
+    layout->addLayout(createHeader());
+    layout->addWidget(stackedWidget);
+    Configuration::instance()->nameFilters = QStringList(QStringLiteral("*.*"));
+    createPages();
+    auto *const central = new QWidget;
+    central->setLayout(layout);
+    setCentralWidget(central);
+    createStatusBar(layout);
+    createMenu();
+    controller->checkUpdate();
+    startEngine();
+    setFittingSize();
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow()
+{
+    // Leaving the process while the worker runs toolkit code crashes it, and so does a QThread that
+    // is deleted before it has finished. So the scan ends first, and then the thread; what is left
+    // to the chain of deletions is an idle pair.
+    engineThread->requestInterruption();
+    engineThread->quit();
+    engineThread->wait();
+}
+
+QHBoxLayout *MainWindow::createHeader()
+{
+    const QString picture = QStringLiteral(":/content/logo.png");
+    const int shownHeight = static_cast<int>(Picture::size(picture).height() / 1.5);
+    auto *const logo = new QLabel;
+    logo->setPixmap(Picture::scaledToHeight(picture, shownHeight, devicePixelRatioF()));
+    auto *const header = new QHBoxLayout;
+    header->setMargin(0);
+    header->addWidget(logo);
+    header->addStretch();
+    return header;
+}
+
+void MainWindow::createPages()
+{
+    scanConfigurationWidget = new ScanConfigurationWidget(this);
+    widgetAnalyzeWaiting = new WidgetAnalyzeWaiting(model, this);
+    duplicatedFilesListWidget = new DuplicatedFilesListWidget(model, this);
+    stackedWidget->addWidget(scanConfigurationWidget);
+    stackedWidget->addWidget(widgetAnalyzeWaiting);
+    stackedWidget->addWidget(duplicatedFilesListWidget);
+}
+
+void MainWindow::createStatusBar(QVBoxLayout *layout)
+{
+    statusBarWidget = new StatusBarWidget(nullptr);
+    layout->addWidget(statusBarWidget);
+    const QString homepage = QStringLiteral("<a href=\"%1\">%2</a>")
+                                 .arg(QLatin1String(Product::homepage),
+                                      QLatin1String(Product::homepageShortForm));
+    statusBarWidget->showRightMessage(QStringLiteral("%1 Build %2 %3")
+                                          .arg(QLatin1String(Product::version),
+                                               QLatin1String(Product::build),
+                                               homepage));
+}
+
+void MainWindow::createMenu()
+{
+    menu = menuBar()->addMenu(QStringLiteral("Menu"));
+    connect(menu, SIGNAL(triggered(QAction*)), this, SLOT(onMenuClicked(QAction*)));
+    menu->addAction(QStringLiteral("About"));
+    menu->addAction(QStringLiteral("Homepage"));
+    menu->addAction(QStringLiteral("Feedback"));
+    menu->addSeparator();
+    menu->addAction(QStringLiteral("Exit"));
+}
+
+void MainWindow::startEngine()
+{
+    engine = new FileFinderEngine(model, controller, nullptr);
+    engineThread = new QThread;
+    connect(this, SIGNAL(destroyed()), engineThread, SLOT(deleteLater()));
+    connect(engineThread, SIGNAL(destroyed()), engine, SLOT(deleteLater()));
+    // An object on a finished thread is never deleted later. The worker therefore hands the engine
+    // to this thread as its last act.
+    connect(
+        engineThread,
+        &QThread::finished,
+        engine,
+        [worker = engine, guiThread = thread()] { worker->moveToThread(guiThread); },
+        Qt::DirectConnection);
+    engine->moveToThread(engineThread);
+    engineThread->start(QThread::InheritPriority);
+}
+
+void MainWindow::setFittingSize()
+{
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED // The ratio is that of the whole desktop, not of one screen.
+    const int ratio = QApplication::desktop()->devicePixelRatio();
+    QT_WARNING_POP
+    setMinimumSize(minimumWidthPixels / ratio, minimumHeightPixels / ratio);
+    // A minimum that is set by hand goes before that of the layout, and at a ratio of 2 it is less
+    // than page 0 needs: the window opens at a width at which nothing overlaps.
+    resize(minimumSize().expandedTo(centralWidget()->minimumSizeHint()));
+}
+
+// The timer belongs to the window: one of the toolkit's own single shots would fire after the
+// window has gone.
+void MainWindow::postToEngine(const char *slot)
+{
+    auto *const timer = new QTimer(this);
+    timer->setSingleShot(true);
+    connect(timer, SIGNAL(timeout()), engine, slot);
+    connect(timer, SIGNAL(timeout()), timer, SLOT(deleteLater()));
+    timer->start(postDelayMilliseconds);
+}
 
 void MainWindow::onScanStart()
 {
+    postToEngine(SLOT(startFinder()));
+    widgetAnalyzeWaiting->toDefaults();
     stackedWidget->setCurrentIndex(1);
 }
 
-void MainWindow::stopScan() { }
+void MainWindow::stopScan()
+{
+    postToEngine(SLOT(stopFinder()));
+}
 
 void MainWindow::setCurrentWidget(int index)
 {
     stackedWidget->setCurrentIndex(index);
 }
 
-void MainWindow::showAboutDialog() { }
+void MainWindow::showAboutDialog()
+{
+    auto *const about = new AboutWidget(nullptr);
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    about->setAttribute(Qt::WA_QuitOnClose, false);
+    about->show();
+}
 
 void MainWindow::paintEvent(QPaintEvent *event)
 {
@@ -52,10 +225,40 @@ void MainWindow::paintEvent(QPaintEvent *event)
 
 void MainWindow::onModelEvent(const ModelEvent *modelEvent)
 {
-    Q_UNUSED(modelEvent)
+    if (modelEvent->type != TypeGetUpdateVersionEvent) {
+        return;
+    }
+    const auto *const update = static_cast<const GetUpdateVersionEvent *>(modelEvent);
+    // Copied, as the event may be gone when the box is answered.
+    const QUrl page(update->url);
+    if (versionNumber(update->version) <= versionNumber(QString::fromLatin1(Product::version))) {
+        return;
+    }
+    const auto answer = QMessageBox::question(
+        this,
+        QStringLiteral("Updates"),
+        QStringLiteral("New version is avialable! Go to website?"),
+        QMessageBox::Yes | QMessageBox::No);
+    if (answer == QMessageBox::Yes) {
+        QDesktopServices::openUrl(page);
+    }
 }
 
 void MainWindow::onMenuClicked(QAction *action)
 {
-    Q_UNUSED(action)
+    const QString text = action->text();
+    if (text == QLatin1String("About")) {
+        showAboutDialog();
+    } else if (text == QLatin1String("Exit")) {
+        QCoreApplication::exit(0);
+    } else if (text == QLatin1String("Homepage")) {
+        open(Product::homepage);
+    } else if (text == QLatin1String("Feedback")) {
+        if (!QDesktopServices::openUrl(QUrl(QString::fromLatin1(Product::supportMail)))) {
+            open(Product::contactPage);
+        }
+    } else if (text == QLatin1String("Check Updates")) {
+        // No action of the menu has this text; whoever adds one gets the check of the start.
+        controller->checkUpdate();
+    }
 }

@@ -4,6 +4,7 @@
 #include <QMainWindow>
 
 class Controller;
+class DuplicatedFilesListWidget;
 class FileFinderEngine;
 class Model;
 class ModelEvent;
@@ -12,6 +13,10 @@ class QHBoxLayout;
 class QMenu;
 class QStackedWidget;
 class QThread;
+class QVBoxLayout;
+class ScanConfigurationWidget;
+class StatusBarWidget;
+class WidgetAnalyzeWaiting;
 
 /**
  * The one window of the program. It owns the event hub, the engine on its worker thread, the pages
@@ -27,7 +32,7 @@ class MainWindow final : public QMainWindow
 
 public:
     explicit MainWindow(QWidget *parent = nullptr);
-    /** Ends a scan that runs; waits for it at most until the file being read is done. */
+    /** Ends a scan that runs; waits for it at most until the block being read is done. */
     ~MainWindow() override;
 
     /** Runs a scan of what Configuration holds and shows page 1; the engine begins 10 ms later. */
@@ -45,8 +50,22 @@ public slots:
     void onMenuClicked(QAction *action);
 
 private:
+    QHBoxLayout *createHeader();
+    void createPages();
+    void createStatusBar(QVBoxLayout *layout);
+    void createMenu();
+    void startEngine();
+    void setFittingSize();
+    void postToEngine(const char *slot);
+
     Model *model = nullptr;
     Controller *controller = nullptr;
     QMenu *menu = nullptr;
+    FileFinderEngine *engine = nullptr;
     QStackedWidget *stackedWidget = nullptr;
+    WidgetAnalyzeWaiting *widgetAnalyzeWaiting = nullptr;
+    DuplicatedFilesListWidget *duplicatedFilesListWidget = nullptr;
+    ScanConfigurationWidget *scanConfigurationWidget = nullptr;
+    StatusBarWidget *statusBarWidget = nullptr;
+    QThread *engineThread = nullptr;
 };

@@ -23,8 +23,9 @@ public:
     BucketJudge &operator=(const BucketJudge &) = delete;
 
     /**
-     * Whether the files at the two indexes are equal. Must be asked for every pair first < second of
-     * the bucket, in ascending order of first, then of second: earlier verdicts decide later ones.
+     * Whether the files at the two indexes are equal. Must be asked for every pair first < second
+     * of the bucket, in ascending order of first, then of second: earlier verdicts decide later
+     * ones.
      */
     bool areEqual(int first, int second);
     /** Bytes of the file at the index, looked up once. */

@@ -6,6 +6,7 @@
 #include "app/ModelEvent.h"
 #include "engine/BucketJudge.h"
 #include "engine/Configuration.h"
+#include "engine/DuplicateGroup.h"
 #include "engine/FileComparison.h"
 #include "engine/FileKey.h"
 #include "engine/FileMasks.h"
@@ -97,48 +98,6 @@ struct FileFinderEngine::Bucket {
     int index;
     QString key;
     QStringList paths;
-};
-
-// Which files of a bucket stand in its group. A path that occurs twice in the bucket counts as one.
-class FileFinderEngine::Group final
-{
-public:
-    Group(const QStringList &bucketPaths, const QStringList &groupPaths)
-        : isInGroup(bucketPaths.size(), false)
-        , isOpen(!groupPaths.isEmpty())
-    {
-        QHash<QString, int> indexes;
-        for (const QString &path : bucketPaths) {
-            const int index = firstIndexes.size();
-            const auto known = indexes.constFind(path);
-            firstIndexes.append(known == indexes.cend() ? index : *known);
-            if (known == indexes.cend()) {
-                indexes.insert(path, index);
-                isInGroup[index] = isOpen && groupPaths.contains(path);
-            }
-        }
-    }
-
-    bool isEmpty() const { return !isOpen; }
-
-    // False when the second file is in the group already. The first one opens an empty group.
-    bool add(int first, int second)
-    {
-        const int firstIndex = firstIndexes.at(first);
-        const int secondIndex = firstIndexes.at(second);
-        if (isInGroup.at(secondIndex) || (!isOpen && firstIndex == secondIndex)) {
-            return false;
-        }
-        isInGroup[firstIndex] = isInGroup.at(firstIndex) || !isOpen;
-        isInGroup[secondIndex] = true;
-        isOpen = true;
-        return true;
-    }
-
-private:
-    QVector<int> firstIndexes;
-    QVector<bool> isInGroup;
-    bool isOpen;
 };
 
 FileFinderEngine::FileFinderEngine(Model *eventModel, Controller *signalController, QObject *parent)
@@ -340,7 +299,7 @@ bool FileFinderEngine::confirmBucket(const Bucket &bucket)
         return true;
     }
     BucketJudge judge(bucket.paths);
-    Group group(bucket.paths, duplicatedGroups.value(bucket.key));
+    DuplicateGroup group(bucket.paths, duplicatedGroups.value(bucket.key));
     // No pair is left out: each one adds to the sum of the sizes, also when both files are placed.
     for (int j = 0; j < count - 1; ++j) {
         for (int k = j + 1; k < count; ++k) {
@@ -360,7 +319,7 @@ bool FileFinderEngine::confirmBucket(const Bucket &bucket)
 // the first pair opens it, each later one adds its second file alone.
 void FileFinderEngine::placePair(const Bucket &bucket,
                                  BucketJudge *judge,
-                                 Group *group,
+                                 DuplicateGroup *group,
                                  int first,
                                  int second)
 {

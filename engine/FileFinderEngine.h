@@ -12,6 +12,7 @@
 
 class BucketJudge;
 class Controller;
+class DuplicateGroup;
 class Model;
 
 /**
@@ -36,8 +37,8 @@ public:
                            const QStringList &excludeMasks,
                            const QStringList &folders);
     /**
-     * Walks one folder with all below it and appends the accepted files to foundFiles(). Returns the
-     * folder's own files that match the include masks, whether or not they were accepted.
+     * Walks one folder with all below it and appends the accepted files to foundFiles(). Returns
+     * the folder's own files that match the include masks, whether or not they were accepted.
      */
     QFileInfoList getFiles(const QStringList &includeMasks,
                            const QStringList &excludeMasks,
@@ -50,7 +51,7 @@ public:
     /** Groups foundFiles() by a checksum of their content; also keeps groups of one file. */
     void startFindDuplicatedFilesAdvanced();
 
-    /** The text by which the profile in Configuration groups the file; null for an unreadable one. */
+    /** The text by which the profile in Configuration groups the file; null if unreadable. */
     QString fileChecksum(const QString &path) const;
     /** See FileComparison::compare() about lengths and log lines. */
     bool compareByteByByte(const QString &a, const QString &b) const;
@@ -72,7 +73,7 @@ public slots:
     void stopFinder();
 
 signals:
-    /** After all below the folder has been walked; filesCount counts the files of the whole scan. */
+    /** After all below the folder was walked; filesCount counts the files of the whole scan. */
     void countingFilesInFolder(int filesCount, const QString &folder);
     /**
      * After a file has been grouped. currentCountFiles is the number of files looked at in the
@@ -96,7 +97,6 @@ private:
     struct Frame;
     struct Chain;
     struct Bucket;
-    class Group;
     using Buckets = QHash<QString, Chain>;
 
     void runScan();
@@ -108,7 +108,11 @@ private:
     void announceFile(const QString &path);
     bool sortIntoBuckets(const QStringList &files, Buckets *buckets, QVector<int> *next);
     bool confirmBucket(const Bucket &bucket);
-    void placePair(const Bucket &bucket, BucketJudge *judge, Group *group, int first, int second);
+    void placePair(const Bucket &bucket,
+                   BucketJudge *judge,
+                   DuplicateGroup *group,
+                   int first,
+                   int second);
     void storeByKey(const QString &path, const QString &key);
     QList<QStringList> groupsOfSeveral() const;
     void addToSum(qint64 bytes);

@@ -87,7 +87,7 @@ void readMasks(const QCommandLineParser &parser, ScanProfile *profile)
     }
 }
 
-// False for something else than a number of at least the minimum; an option not given is left alone.
+// False for anything else than a number between the two; an option not given is left alone.
 bool readNumber(const QCommandLineParser &parser,
                 const QString &option,
                 qint64 minimum,

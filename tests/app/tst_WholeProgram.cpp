@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QListWidget>
 #include <QTableView>
+#include <QTreeView>
 
 #include <functional>
 

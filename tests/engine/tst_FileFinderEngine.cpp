@@ -648,7 +648,7 @@ void tst_FileFinderEngine::stopAtEverySignal()
         QCOMPARE(record.count(groupingStarted), 1);
         QVERIFY(record.last().startsWith(QLatin1String("findDuplicatedFilesFinished")));
         QVERIFY(record.size() <= whole.size());
-        // The stop behind the last signal comes too late for this scan, and is forgotten by the next.
+        // The stop behind the last signal comes too late for this scan; the next forgets it.
         rig->run([] {});
         QVERIFY(rig->engine()->isStopRequested());
     }
@@ -784,6 +784,7 @@ void tst_FileFinderEngine::eventsFromAnotherThread()
     // Files and stops announced on the worker thread reach nobody; the other events do, in order.
     file("a", "same!");
     file("b", "same!");
+    file("c", "same!");
     Model model(nullptr);
     Controller controller(&model, nullptr);
     EventLog log(&model);
