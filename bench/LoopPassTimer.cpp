@@ -2,6 +2,7 @@
 #include "bench/LoopPassTimer.h"
 
 #include <QAbstractEventDispatcher>
+#include <QThread>
 
 #include <algorithm>
 
@@ -17,6 +18,10 @@ LoopPassTimer::LoopPassTimer(int &argc, char **argv)
 
 bool LoopPassTimer::notify(QObject *receiver, QEvent *event)
 {
+    // The engine's events come along here as well, on its own thread.
+    if (QThread::currentThread() != thread()) {
+        return QApplication::notify(receiver, event);
+    }
     if (!pass.isValid()) {
         pass.start();
     }
