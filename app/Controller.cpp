@@ -49,36 +49,43 @@ void Controller::setUpdateFileUrl(const QUrl &url)
     updateFileUrl = url;
 }
 
+void Controller::deliver(const ModelEvent &event)
+{
+    if (!model.isNull()) {
+        model->emitModelEvent(event);
+    }
+}
+
 void Controller::onFindAllFilesStarted()
 {
-    model->emitModelEvent(FindAllFilesStartedEvent());
+    deliver(FindAllFilesStartedEvent());
 }
 
 void Controller::onFindAllFilesFinished()
 {
-    model->emitModelEvent(FindAllFilesFinishedEvent());
+    deliver(FindAllFilesFinishedEvent());
 }
 
 void Controller::onCountingFilesInFolderChanged(int size, const QString &folder)
 {
-    model->emitModelEvent(CountingFilesInFolderEvent(size, folder));
+    deliver(CountingFilesInFolderEvent(size, folder));
 }
 
 void Controller::onFindDuplicatedFilesStarted()
 {
-    model->emitModelEvent(FindDuplicatedFilesStartedEvent());
+    deliver(FindDuplicatedFilesStartedEvent());
 }
 
 void Controller::onFindDuplicatedFilesFinished(QList<QStringList> duplicatedFiles)
 {
-    model->emitModelEvent(FindDuplicatedFilesFinishedEvent(std::move(duplicatedFiles)));
+    deliver(FindDuplicatedFilesFinishedEvent(std::move(duplicatedFiles)));
 }
 
 void Controller::onCountingFindFilesDuplicated(int currentCountFiles,
                                                int countFoundedDuplicated,
                                                qint64 summFileSize)
 {
-    model->emitModelEvent(
+    deliver(
         CountingFindFilesDuplicatedEvent(currentCountFiles, countFoundedDuplicated, summFileSize));
 }
 
@@ -103,6 +110,6 @@ void Controller::onReplyFinished(QNetworkReply *reply)
         lines.append(line);
     }
     if (const auto answer = UpdateAnswer::fromLines(lines)) {
-        model->emitModelEvent(GetUpdateVersionEvent(answer->version, answer->build, answer->url));
+        deliver(GetUpdateVersionEvent(answer->version, answer->build, answer->url));
     }
 }

@@ -3,11 +3,13 @@
 
 #include <QList>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QUrl>
 
 class Model;
+class ModelEvent;
 class QNetworkAccessManager;
 class QNetworkReply;
 
@@ -23,7 +25,7 @@ class Controller final : public QObject
     Q_DISABLE_COPY(Controller)
 
 public:
-    /** The model is not owned and must live as long as the engine's signals arrive. */
+    /** The model is not owned; what happens after its end is told to nobody. */
     Controller(Model *model, QObject *parent);
 
     /**
@@ -48,7 +50,10 @@ public slots:
     void onReplyFinished(QNetworkReply *reply);
 
 private:
-    Model *model;
+    // Signals of a scan that is cut off by the end of the window are delivered after it.
+    void deliver(const ModelEvent &event);
+
+    QPointer<Model> model;
     QNetworkAccessManager *networkManager;
     QUrl updateFileUrl;
 };

@@ -208,12 +208,11 @@ bool FileSystemTreeModel::handsDownItsTick(const QModelIndex &folder) const
 }
 
 // The path is built on the way down: asking the base class for it costs a search among the
-// siblings at each level. Only it can tell where a link leads, though.
+// siblings at each level.
 void FileSystemTreeModel::appendSelected(const QModelIndex &index,
                                          const QString &path,
                                          QStringList *folders) const
 {
-    const bool canBuildOn = index.isValid() && !fileInfo(index).isSymLink();
     const QString prefix = path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
     const int count = rowCount(index);
     for (int row = 0; row < count; ++row) {
@@ -222,8 +221,7 @@ void FileSystemTreeModel::appendSelected(const QModelIndex &index,
         if (state == Qt::Unchecked) {
             continue;
         }
-        const bool isPlain = canBuildOn && !fileInfo(child).isSymLink();
-        const QString childPath = isPlain
+        const QString childPath = index.isValid()
             ? prefix + QFileSystemModel::data(child, FileNameRole).toString()
             : filePath(child);
         if (state == Qt::Checked && !isExcludedRoot(childPath)) {

@@ -122,7 +122,6 @@ void FileSystemTreeWidget::getRootFolder()
     treeView->setModel(model);
 
     const QModelIndex index = model->index(folder);
-    keepInView(index);
     showFolder(index);
     for (QModelIndex above = index; model->canFetchMore(above); above = above.parent()) {
         model->fetchMore(above);
@@ -206,21 +205,4 @@ void FileSystemTreeWidget::showFolder(const QModelIndex &folder)
     treeView->selectionModel()->select(folder,
                                        QItemSelectionModel::Select | QItemSelectionModel::Rows);
     treeView->setCurrentIndex(folder);
-}
-
-// The folders above are still empty when the view is scrolled; each one that fills may push the
-// chosen folder out of sight. It is brought back once for each, and then never again.
-void FileSystemTreeWidget::keepInView(const QModelIndex &folder)
-{
-    FileSystemTreeModel *const model = folderModel();
-    chosenFolder = folder;
-    foldersToLoad.clear();
-    for (QModelIndex above = folder.parent(); above.isValid(); above = above.parent()) {
-        foldersToLoad.insert(model->filePath(above));
-    }
-    connect(model, &QFileSystemModel::directoryLoaded, this, [this](const QString &path) {
-        if (foldersToLoad.remove(path) && chosenFolder.isValid()) {
-            treeView->scrollTo(chosenFolder, QAbstractItemView::EnsureVisible);
-        }
-    });
 }

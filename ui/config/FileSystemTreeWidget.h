@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QPersistentModelIndex>
-#include <QSet>
-#include <QString>
 #include <QStringList>
 #include <QWidget>
 
@@ -44,11 +41,8 @@ private:
     QWidget *createPickingPage();
     FileSystemTreeModel *folderModel() const;
     void showFolder(const QModelIndex &folder);
-    void keepInView(const QModelIndex &folder);
 
     QTreeView *treeView = nullptr;
     QWidget *warningWidget = nullptr;
     QStackedWidget *stackedWidget = nullptr;
-    QPersistentModelIndex chosenFolder;
-    QSet<QString> foldersToLoad;
 };

@@ -11,6 +11,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QStackedWidget>
 #include <QTreeView>
@@ -39,7 +40,7 @@ private slots:
     void folderDialogAsksForFoldersAtHome();
     void cancelledDialogChangesNothing();
     void chosenFolderIsShownExpandedAndCurrent();
-    void chosenFolderStaysInViewWhileTheFoldersAboveLoad();
+    void chosenFolderIsInViewWhenTheFoldersAboveAreLoaded();
     void wholeTreeIsShownWithoutHiddenFolders();
     void clickOnTheBoxTicksAndUnticks();
     void clickOnTheNameTicksNothing();
@@ -65,6 +66,10 @@ private:
 void tst_FileSystemTreeWidget::init()
 {
     TestCase::init();
+    // The toolkit would keep the settings of its dialogs where the first test had its home.
+    QSettings::setPath(QSettings::NativeFormat,
+                       QSettings::UserScope,
+                       home() + QStringLiteral("/.config"));
     allowMessages(FolderTreeDriver::missingPicture());
     tree = std::make_unique<TempTree>(path(QStringLiteral("root")));
     widget = std::make_unique<FileSystemTreeWidget>(nullptr);
@@ -202,14 +207,13 @@ void tst_FileSystemTreeWidget::cancelledDialogChangesNothing()
 
 void tst_FileSystemTreeWidget::chosenFolderIsShownExpandedAndCurrent()
 {
-    // The tree page comes with the folder expanded, selected and current, and the keys go to it.
+    // The tree page comes with the folder expanded, selected and current.
     setUpTree();
     const QModelIndex root = driver->at(tree->root());
     QCOMPARE(widget->findChild<QStackedWidget *>()->currentIndex(), 0);
     QVERIFY(driver->view()->isExpanded(root));
     QCOMPARE(driver->view()->currentIndex(), root);
     QCOMPARE(driver->view()->selectionModel()->selectedIndexes(), QModelIndexList({root}));
-    QCOMPARE(widget->focusWidget(), driver->view());
     QCOMPARE(driver->model()->rootPath(), tree->root());
     QVERIFY(driver->model()->isReadOnly());
     QCOMPARE(driver->model()->filter(), QDir::AllDirs | QDir::NoDot | QDir::NoDotDot);
@@ -218,9 +222,9 @@ void tst_FileSystemTreeWidget::chosenFolderIsShownExpandedAndCurrent()
     QCOMPARE(widget->selectedFolders(), QStringList());
 }
 
-void tst_FileSystemTreeWidget::chosenFolderStaysInViewWhileTheFoldersAboveLoad()
+void tst_FileSystemTreeWidget::chosenFolderIsInViewWhenTheFoldersAboveAreLoaded()
 {
-    // Many siblings above it push the folder down; the view follows.
+    // However many siblings it and the folders above it have.
     for (int i = 0; i < 150; ++i) {
         tree->folder(QStringLiteral("sibling%1").arg(i));
     }

@@ -12,6 +12,7 @@
 
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QSettings>
 #include <QStackedWidget>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -32,6 +33,7 @@ protected slots:
 private slots:
     void layoutAndTexts();
     void onlyOneSlotIsDeclared();
+    void treeTakesTheFocusOfItsButton();
     void buttonIsMeasuredByTheWindowAtConstruction();
     void withoutAFolderThereIsOneWarning();
     void withoutAMaskThereIsAnotherWarning();
@@ -62,6 +64,10 @@ private:
 void tst_ScanConfigurationWidget::init()
 {
     TestCase::init();
+    // The toolkit would keep the settings of its dialogs where the first test had its home.
+    QSettings::setPath(QSettings::NativeFormat,
+                       QSettings::UserScope,
+                       home() + QStringLiteral("/.config"));
     allowMessages(FolderTreeDriver::missingPicture());
     configuration->folders = QStringList(QStringLiteral("/previous"));
     configuration->scanProfile = ScanProfile();
@@ -152,6 +158,14 @@ void tst_ScanConfigurationWidget::onlyOneSlotIsDeclared()
     QCOMPARE(meta->methodCount() - meta->methodOffset(), 1);
     QCOMPARE(meta->method(meta->methodOffset()).methodSignature(),
              QByteArrayLiteral("onScanButtonClicked()"));
+}
+
+void tst_ScanConfigurationWidget::treeTakesTheFocusOfItsButton()
+{
+    // After the choice of a folder the keys go to the tree, not to the options.
+    driver->button()->setFocus();
+    openTree();
+    QCOMPARE(pages->focusWidget(), driver->view());
 }
 
 void tst_ScanConfigurationWidget::buttonIsMeasuredByTheWindowAtConstruction()
