@@ -182,6 +182,12 @@ bool Tour::openResults()
 
 bool Tour::lookAtPicture()
 {
+    // Only an active window shows tool tips; the dialog of the first step had taken the focus.
+    window->activateWindow();
+    if (!QTest::qWaitForWindowActive(window)) {
+        problem = QStringLiteral("the window does not get the focus");
+        return false;
+    }
     const QTableView *const table = driver.table();
     const QStringList paths = driver.column(2);
     for (int row = 0; row < paths.size(); ++row) {
