@@ -158,12 +158,15 @@ void MainWindow::startEngine()
     connect(this, SIGNAL(destroyed()), engineThread, SLOT(deleteLater()));
     connect(engineThread, SIGNAL(destroyed()), engine, SLOT(deleteLater()));
     // An object on a finished thread is never deleted later. The worker therefore hands the engine
-    // to this thread as its last act.
+    // to this thread as its last act, without a start that came too late: it would run here.
     connect(
         engineThread,
         &QThread::finished,
         engine,
-        [worker = engine, guiThread = thread()] { worker->moveToThread(guiThread); },
+        [worker = engine, guiThread = thread()] {
+            QCoreApplication::removePostedEvents(worker, QEvent::MetaCall);
+            worker->moveToThread(guiThread);
+        },
         Qt::DirectConnection);
     engine->moveToThread(engineThread);
     engineThread->start(QThread::InheritPriority);

@@ -54,6 +54,24 @@ public:
     }
 };
 
+/** Counts the calls that are delivered to an engine on the GUI thread. */
+class CallRecorder final : public QObject
+{
+public:
+    CallRecorder() { qApp->installEventFilter(this); }
+
+    int calls = 0;
+
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::MetaCall && object->thread() == thread()
+            && qobject_cast<FileFinderEngine *>(object) != nullptr) {
+            ++calls;
+        }
+        return false;
+    }
+};
+
 /** Notes the addresses that the network is asked for; the toolkit looks for a proxy to each. */
 class AddressRecorder final : public QNetworkProxyFactory
 {
@@ -105,6 +123,7 @@ private slots:
     void threadAndEngineGoWithTheWindow();
     void leavingEndsARunningScan();
     void severalWindows();
+    void startOnItsWayIsForgotten();
 
 private:
     static Model *modelOf(const MainWindow &window) { return window.findChild<Model *>(); }
@@ -577,6 +596,26 @@ void tst_MainWindow::severalWindows()
         }
         QCoreApplication::processEvents();
     }
+}
+
+void tst_MainWindow::startOnItsWayIsForgotten()
+{
+    // A start that the worker has not seen when its window goes is not run on the GUI thread.
+    // This dispatcher of the toolkit looks at its end before it looks at what has been posted.
+    qputenv("QT_NO_GLIB", "1");
+    const auto restore = qScopeGuard([] { qunsetenv("QT_NO_GLIB"); });
+    const CallRecorder recorder;
+    prepareScan({});
+    for (int i = 0; i < 40; ++i) {
+        auto window = std::make_unique<MainWindow>();
+        window->onScanStart();
+        auto *const timer = window->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+        QVERIFY(timer != nullptr);
+        connect(timer, &QTimer::timeout, this, [&window] { window.reset(); });
+        QTRY_VERIFY(window == nullptr);
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(recorder.calls, 0);
 }
 
 TWINSIFT_TEST_MAIN(tst_MainWindow)
