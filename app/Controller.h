@@ -33,7 +33,7 @@ public:
      * anything else (no answer within 30 seconds, more than 64 KiB, a malformed one) stays silent.
      */
     void checkUpdate();
-    /** Where checkUpdate() asks, for mirrors; Product::updateFile otherwise. */
+    /** Where checkUpdate() asks from now on; Product::updateFile until then. */
     void setUpdateFileUrl(const QUrl &url);
 
 public slots:

@@ -63,6 +63,15 @@ void installPalette()
     palette.setBrush(QPalette::Text, Qt::black);
     QGuiApplication::setPalette(palette);
 }
+
+int desktopPixelRatio()
+{
+    // Of the whole desktop, not of one screen.
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    return QApplication::desktop()->devicePixelRatio();
+    QT_WARNING_POP
+}
 } // namespace
 
 MainWindow::MainWindow(QWidget *parent)
@@ -157,12 +166,15 @@ void MainWindow::startEngine()
     connect(this, SIGNAL(destroyed()), engineThread, SLOT(deleteLater()));
     connect(engineThread, SIGNAL(destroyed()), engine, SLOT(deleteLater()));
     // An object on a finished thread is never deleted later. The worker therefore hands the engine
-    // to this thread as its last act.
+    // to this thread as its last act, without a start that came too late: it would run here.
     connect(
         engineThread,
         &QThread::finished,
         engine,
-        [worker = engine, guiThread = thread()] { worker->moveToThread(guiThread); },
+        [worker = engine, guiThread = thread()] {
+            QCoreApplication::removePostedEvents(worker, QEvent::MetaCall);
+            worker->moveToThread(guiThread);
+        },
         Qt::DirectConnection);
     engine->moveToThread(engineThread);
     engineThread->start(QThread::InheritPriority);
@@ -170,10 +182,7 @@ void MainWindow::startEngine()
 
 void MainWindow::setFittingSize()
 {
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED // The ratio is that of the whole desktop, not of one screen.
-        const int ratio = QApplication::desktop()->devicePixelRatio();
-    QT_WARNING_POP
+    const int ratio = desktopPixelRatio();
     setMinimumSize(minimumWidthPixels / ratio, minimumHeightPixels / ratio);
     // A minimum that is set by hand goes before that of the layout, and at a ratio of 2 it is less
     // than page 0 needs: the window opens at a width at which nothing overlaps.

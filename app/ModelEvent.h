@@ -51,7 +51,7 @@ public:
     QString folder;
 };
 
-/** A file has been grouped. What currentCountFiles counts depends on the mode of the scan. */
+/** The counters of the grouping. What currentCountFiles counts depends on the mode of the scan. */
 class CountingFindFilesDuplicatedEvent final : public ModelEvent
 {
 public:

@@ -169,7 +169,7 @@ void FileFinderEngine::startFindAllFiles(const QStringList &includeMasks,
                                          const QStringList &folders)
 {
     emit findAllFilesStarted();
-    // Nor is a stop looked at here: each folder left is entered, and its walk ends early.
+    // A stop is not looked at here: each folder left is entered, and its walk ends early.
     for (const QString &folder : folders) {
         getFiles(includeMasks, excludeMasks, folder);
     }

@@ -76,9 +76,9 @@ signals:
     /** After all below the folder was walked; filesCount counts the files of the whole scan. */
     void countingFilesInFolder(int filesCount, const QString &folder);
     /**
-     * After a file has been grouped. currentCountFiles is the number of files looked at in the
-     * Advanced mode, and the index of the bucket from 0 in the other. The size is in bytes, of 32
-     * bits: it wraps to negative values.
+     * In the Advanced mode after every file that has a key, with the number of files looked at;
+     * in the other mode after a file has joined a group, with the index of its bucket from 0. The
+     * size is in bytes, of 32 bits: it wraps to negative values.
      */
     void countingFindFilesDuplicated(int currentCountFiles,
                                      int countFoundedDuplicated,

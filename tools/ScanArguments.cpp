@@ -101,6 +101,13 @@ bool readNumber(const QCommandLineParser &parser,
     bool isNumber = false;
     *number = parser.value(option).toLongLong(&isNumber);
     *error = QStringLiteral("--%1 takes a number, not \"%2\"").arg(option, parser.value(option));
+    if (isNumber) {
+        *error = QStringLiteral("--%1 takes a number from %2 to %3, not %4")
+                     .arg(option)
+                     .arg(minimum)
+                     .arg(maximum)
+                     .arg(*number);
+    }
     return isNumber && *number >= minimum && *number <= maximum;
 }
 

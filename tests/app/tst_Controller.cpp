@@ -5,6 +5,7 @@
 #include "tests/support/HttpServer.h"
 #include "tests/support/TestCase.h"
 
+#include <QElapsedTimer>
 #include <QMetaMethod>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -23,6 +24,7 @@ private slots:
     void redirectIsNotFollowed();
     void tooLargeAnswerIsCutOff();
     void unreachableServerIsSilent();
+    void silentServerIsGivenUp();
     void severalChecksAtOnce();
     void repliesAreDeleted();
 
@@ -41,7 +43,7 @@ QStringList tst_Controller::check(const HttpServer &server)
                         SIGNAL(finished(QNetworkReply *)));
     controller.setUpdateFileUrl(server.url(QStringLiteral("/twinsift/update.dat")));
     controller.checkUpdate();
-    if (finished.isEmpty() && !finished.wait(30000)) {
+    if (finished.isEmpty() && !finished.wait(60000)) {
         return {QStringLiteral("no answer in time")};
     }
     return recorder.events;
@@ -168,6 +170,18 @@ void tst_Controller::unreachableServerIsSilent()
     HttpServer server;
     server.close();
     QCOMPARE(check(server), QStringList());
+}
+
+void tst_Controller::silentServerIsGivenUp()
+{
+    // A server that takes the request and never answers is waited for no longer than 30 seconds.
+    HttpServer server;
+    server.setSilent();
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(check(server), QStringList());
+    QVERIFY2(timer.elapsed() > 25000, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(server.requests().size(), 1);
 }
 
 void tst_Controller::severalChecksAtOnce()

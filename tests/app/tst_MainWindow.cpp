@@ -18,13 +18,18 @@
 #include "ui/results/DuplicatedFilesListWidget.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMetaMethod>
+#include <QNetworkProxy>
 #include <QPixmap>
 #include <QPointer>
+#include <QProgressBar>
+#include <QScopeGuard>
 #include <QStackedWidget>
+#include <QTableView>
 #include <QThread>
 #include <QTimer>
 
@@ -48,6 +53,43 @@ public:
         return false;
     }
 };
+
+/** Counts the calls that are delivered to an engine on the GUI thread. */
+class CallRecorder final : public QObject
+{
+public:
+    CallRecorder() { qApp->installEventFilter(this); }
+
+    int calls = 0;
+
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::MetaCall && object->thread() == thread()
+            && qobject_cast<FileFinderEngine *>(object) != nullptr) {
+            ++calls;
+        }
+        return false;
+    }
+};
+
+/** Notes the addresses that the network is asked for; the toolkit looks for a proxy to each. */
+class AddressRecorder final : public QNetworkProxyFactory
+{
+public:
+    explicit AddressRecorder(QStringList *addresses)
+        : asked(addresses)
+    {
+    }
+
+    QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery &query) override
+    {
+        asked->append(query.url().toString());
+        return {QNetworkProxy(QNetworkProxy::NoProxy)};
+    }
+
+private:
+    QStringList *asked;
+};
 } // namespace
 
 class tst_MainWindow final : public TestCase
@@ -58,6 +100,7 @@ private slots:
     void slotsInDeclaredOrder();
     void freshStart();
     void pagesInOrder();
+    void eventsInTheOrderOfThePages();
     void header();
     void versionLine();
     void menuActions();
@@ -75,11 +118,12 @@ private slots:
     void homepage();
     void feedbackFallsBackToTheContactPage();
     void exitEndsTheProgram();
-    void checkUpdatesHasNoAction();
+    void checksForUpdates();
     void otherActionsDoNothing();
     void threadAndEngineGoWithTheWindow();
     void leavingEndsARunningScan();
     void severalWindows();
+    void startOnItsWayIsForgotten();
 
 private:
     static Model *modelOf(const MainWindow &window) { return window.findChild<Model *>(); }
@@ -154,13 +198,53 @@ void tst_MainWindow::freshStart()
 
 void tst_MainWindow::pagesInOrder()
 {
-    // The pages stand at their fixed indexes, and the event hub delivers in the order of the pages.
+    // The pages stand at their fixed indexes.
     const MainWindow window;
     QCOMPARE(pages(window)->count(), 3);
     QVERIFY(qobject_cast<ScanConfigurationWidget *>(pages(window)->widget(0)) != nullptr);
     QVERIFY(qobject_cast<WidgetAnalyzeWaiting *>(pages(window)->widget(1)) != nullptr);
     QVERIFY(qobject_cast<DuplicatedFilesListWidget *>(pages(window)->widget(2)) != nullptr);
-    QVERIFY(window.findChild<ProgressWidget *>() != nullptr);
+}
+
+void tst_MainWindow::eventsInTheOrderOfThePages()
+{
+    // The window sees an event first, then the counters, the progress page and the results page.
+    MainWindow window;
+    const auto *const counter = window.findChild<ProgressWidget *>()->findChild<QLabel *>(
+        QStringLiteral("labelFoundDuplicates"));
+    const auto *const progress = window.findChild<WidgetAnalyzeWaiting *>();
+    const auto *const title = progress->findChild<QLabel *>(QStringLiteral("titleLabel"));
+    const auto *const bar = progress->findChild<QProgressBar *>();
+    const auto *const rows =
+        window.findChild<DuplicatedFilesListWidget *>()->findChild<QTableView *>()->model();
+
+    QString counterAtThePage;
+    connect(bar, &QProgressBar::valueChanged, this, [&](int value) {
+        if (value == 3) {
+            counterAtThePage = counter->text();
+        }
+    });
+    modelOf(window)->emitModelEvent(CountingFilesInFolderEvent(5, QStringLiteral("/a")));
+    modelOf(window)->emitModelEvent(FindDuplicatedFilesStartedEvent());
+    modelOf(window)->emitModelEvent(CountingFindFilesDuplicatedEvent(3, 2, 1));
+    QCOMPARE(counterAtThePage, QStringLiteral("<H1>2</H1>"));
+
+    bool windowKnewAtThePage = false;
+    connect(bar, &QProgressBar::valueChanged, this, [&](int value) {
+        if (value == 1) {
+            windowKnewAtThePage = !window.isScanRunning();
+        }
+    });
+    QString titleAtTheResults;
+    connect(rows, &QAbstractItemModel::modelReset, this, [&] {
+        titleAtTheResults = title->text();
+    });
+    prepareScan({});
+    window.onScanStart();
+    QVERIFY(window.isScanRunning());
+    QTRY_VERIFY_WITH_TIMEOUT(!titleAtTheResults.isEmpty(), 30000);
+    QCOMPARE(titleAtTheResults, QStringLiteral("<h1>Finding duplicated files was completed!<h1>"));
+    QVERIFY(windowKnewAtThePage);
 }
 
 void tst_MainWindow::header()
@@ -231,15 +315,18 @@ void tst_MainWindow::whiteGround()
 
 void tst_MainWindow::scanStartShowsPageOneBeforeTheEngineBegins()
 {
-    // A start shows page 1 at once; the engine's first signal comes later.
+    // A start shows page 1 at once; the engine begins 10 ms later.
     MainWindow window;
-    int events = 0;
-    connect(modelOf(window), &Model::modelEvent, this, [&events] { ++events; });
+    QElapsedTimer timer;
+    QList<qint64> times;
+    connect(modelOf(window), &Model::modelEvent, this, [&] { times.append(timer.elapsed()); });
     prepareScan({});
+    timer.start();
     window.onScanStart();
     QCOMPARE(pages(window)->currentIndex(), 1);
-    QCOMPARE(events, 0);
-    QTRY_COMPARE_WITH_TIMEOUT(events, 4, 30000);
+    QVERIFY(times.isEmpty());
+    QTRY_COMPARE_WITH_TIMEOUT(times.size(), 4, 30000);
+    QVERIFY2(times.constFirst() >= 10, qPrintable(QString::number(times.constFirst())));
 }
 
 void tst_MainWindow::scanRunsOnAThreadOfItsOwn()
@@ -356,11 +443,26 @@ void tst_MainWindow::otherEventsAreIgnored()
     MainWindow window;
     ModalDriver driver;
     window.setCurrentWidget(2);
-    const FindDuplicatedFilesStoppedEvent stopped;
+    const CountingFilesInFolderEvent files(1, QStringLiteral("/a"));
+    const CountingFindFilesDuplicatedEvent duplicates(1, 2, 3);
     const FindAllFilesStartedEvent started;
-    window.onModelEvent(&stopped);
-    window.onModelEvent(&started);
-    QCOMPARE(pages(window)->currentIndex(), 2);
+    const FindAllFilesFinishedEvent finished;
+    const FindDuplicatedFilesStartedEvent groupingStarted;
+    const AnalyzingCurrentDuplicatedFileEvent file(QStringLiteral("/a/1"));
+    const FindDuplicatedFilesFinishedEvent groupingFinished({});
+    const FindDuplicatedFilesStoppedEvent stopped;
+    const QList<const ModelEvent *> events = {&files,
+                                              &duplicates,
+                                              &started,
+                                              &finished,
+                                              &groupingStarted,
+                                              &file,
+                                              &groupingFinished,
+                                              &stopped};
+    for (const ModelEvent *const event : events) {
+        window.onModelEvent(event);
+        QCOMPARE(pages(window)->currentIndex(), 2);
+    }
     QCOMPARE(driver.failures(), QStringList());
 }
 
@@ -416,13 +518,21 @@ void tst_MainWindow::exitEndsTheProgram()
     QCOMPARE(QApplication::exec(), 0);
 }
 
-void tst_MainWindow::checkUpdatesHasNoAction()
+void tst_MainWindow::checksForUpdates()
 {
-    // The text is understood, though the menu does not offer it, and the check stays silent.
+    // The update file is asked for at the start, and again for the text "Check Updates", which the
+    // menu does not offer. Neither check says a word.
+    QStringList asked;
+    QNetworkProxyFactory::setApplicationProxyFactory(new AddressRecorder(&asked));
+    const auto forget =
+        qScopeGuard([] { QNetworkProxyFactory::setApplicationProxyFactory(nullptr); });
+    const QString address = QString::fromLatin1(Product::updateFile);
     MainWindow window;
     ModalDriver driver;
+    QCOMPARE(asked, QStringList(address));
     QAction action(QStringLiteral("Check Updates"));
     window.onMenuClicked(&action);
+    QCOMPARE(asked, QStringList({address, address}));
     QCOMPARE(driver.failures(), QStringList());
 }
 
@@ -486,6 +596,26 @@ void tst_MainWindow::severalWindows()
         }
         QCoreApplication::processEvents();
     }
+}
+
+void tst_MainWindow::startOnItsWayIsForgotten()
+{
+    // A start that the worker has not seen when its window goes is not run on the GUI thread.
+    // This dispatcher of the toolkit looks at its end before it looks at what has been posted.
+    qputenv("QT_NO_GLIB", "1");
+    const auto restore = qScopeGuard([] { qunsetenv("QT_NO_GLIB"); });
+    const CallRecorder recorder;
+    prepareScan({});
+    for (int i = 0; i < 40; ++i) {
+        auto window = std::make_unique<MainWindow>();
+        window->onScanStart();
+        auto *const timer = window->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly);
+        QVERIFY(timer != nullptr);
+        connect(timer, &QTimer::timeout, this, [&window] { window.reset(); });
+        QTRY_VERIFY(window == nullptr);
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(recorder.calls, 0);
 }
 
 TWINSIFT_TEST_MAIN(tst_MainWindow)

@@ -183,10 +183,10 @@ void tst_ScanArguments::refused_data()
     row("no number", "--min-kb many .", "--min-kb takes a number, not \"many\"");
     row("half a number", "--max-kb 1.5 .", "--max-kb takes a number, not \"1.5\"");
     row("empty number", "--max-kb= .", "--max-kb takes a number, not \"\"");
-    row("no count", "--stop-after 0 .", "--stop-after takes a number, not \"0\"");
+    row("no count", "--stop-after 0 .", "--stop-after takes a number from 1 to 2147483647, not 0");
     row("large count",
         "--stop-after 4294967297 .",
-        "--stop-after takes a number, not \"4294967297\"");
+        "--stop-after takes a number from 1 to 2147483647, not 4294967297");
     row("unknown checksum",
         "--advanced crc32 .",
         "--advanced takes md5, sha1 or crc, not \"crc32\"");
