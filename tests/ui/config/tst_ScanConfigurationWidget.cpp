@@ -9,9 +9,12 @@
 #include "ui/config/FileSystemTreeWidget.h"
 #include "ui/config/ScanConfigurationWidget.h"
 #include "ui/config/ScanProfileWidget.h"
+#include "ui/config/SpinBoxFileSize.h"
 
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QStackedWidget>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -31,6 +34,7 @@ protected slots:
 
 private slots:
     void layoutAndTexts();
+    void columnsHaveStraightEdges();
     void onlyOneSlotIsDeclared();
     void treeTakesTheFocusOfItsButton();
     void buttonIsMeasuredByTheWindowAtConstruction();
@@ -144,6 +148,27 @@ void tst_ScanConfigurationWidget::layoutAndTexts()
     QCOMPARE(layout->stretch(1), 0);
     QCOMPARE(startButton()->icon().isNull(),
              QPixmap(QStringLiteral(":/content/start.png")).isNull());
+}
+
+void tst_ScanConfigurationWidget::columnsHaveStraightEdges()
+{
+    // The options end where the button does on both sides, and begin level with the tree.
+    openTree();
+    const auto place = [this](const QWidget *widget) {
+        return QRect(widget->mapTo(page, QPoint()), widget->size());
+    };
+    const QRect button = place(startButton());
+    const QRect limit = place(page->findChildren<SpinBoxFileSize *>().last());
+    QCOMPARE(limit.left(), button.left());
+    QCOMPARE(limit.right(), button.right());
+    const QRect options = place(page->findChild<QRadioButton *>());
+    const QRect view = place(driver->view());
+    const auto *const caption = driver->view()->parentWidget()->findChild<QLabel *>();
+    QCOMPARE(options.left(), button.left());
+    QCOMPARE(options.top(), place(caption).top());
+    QCOMPARE(view.left(), page->layout()->contentsRect().left());
+    QCOMPARE(view.bottom(), button.bottom());
+    QVERIFY(button.left() - view.right() > 20);
 }
 
 void tst_ScanConfigurationWidget::onlyOneSlotIsDeclared()
