@@ -60,6 +60,7 @@ FileSystemTreeWidget::FileSystemTreeWidget(QWidget *parent)
     stackedWidget->setCurrentIndex(pickingPage);
 
     auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(stackedWidget);
 }
 

@@ -13,6 +13,11 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace
+{
+constexpr int columnSpacing = 24;
+}
+
 ScanConfigurationWidget::ScanConfigurationWidget(MainWindow *parent)
     : QWidget(parent)
     , mainWindow(parent)
@@ -26,6 +31,7 @@ ScanConfigurationWidget::ScanConfigurationWidget(MainWindow *parent)
     right->addStretch();
     right->addWidget(scanButton);
     auto *const layout = new QHBoxLayout(this);
+    layout->setSpacing(columnSpacing);
     layout->addWidget(fileSystemTreeWidget);
     layout->addLayout(right);
 }

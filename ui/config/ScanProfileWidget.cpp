@@ -50,6 +50,7 @@ ScanProfileWidget::ScanProfileWidget(const ScanProfile &profile, QWidget *parent
     minSizeInput = new SpinBoxFileSize(QStringLiteral("Minimum size:"), this);
     maxSizeInput = new SpinBoxFileSize(QStringLiteral("Maximum size:"), this);
     auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(byteByByteGrid);
     layout->addLayout(advancedGrid);
     layout->addWidget(createLabel(QStringLiteral("File Types Include:"), includeLineEdit));

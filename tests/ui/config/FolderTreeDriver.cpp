@@ -16,11 +16,6 @@
 
 #include <algorithm>
 
-QRegularExpression FolderTreeDriver::missingPicture()
-{
-    return QRegularExpression(QStringLiteral("^QPixmap::scale.*: Pixmap is a null pixmap$"));
-}
-
 FolderTreeDriver::FolderTreeDriver(QWidget *ancestor)
     : above(ancestor)
 {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QObject>
-#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
@@ -20,8 +19,6 @@ class FolderTreeDriver final : public QObject
 
 public:
     static constexpr int loadMilliseconds = 30000;
-    /** What the toolkit says when a picture to scale is not compiled in. */
-    static QRegularExpression missingPicture();
 
     explicit FolderTreeDriver(QWidget *ancestor);
 

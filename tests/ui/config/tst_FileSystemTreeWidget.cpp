@@ -3,6 +3,7 @@
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
 #include "tests/ui/config/FolderTreeDriver.h"
+#include "ui/Picture.h"
 #include "ui/config/FileSystemTreeModel.h"
 #include "ui/config/FileSystemTreeWidget.h"
 
@@ -34,6 +35,8 @@ protected slots:
 private slots:
     void startsWithThePickingPage();
     void textsAndSizes();
+    void picturesAreThoseOfTheProgram();
+    void pickingPageFromTopToBottom();
     void slotsAreDeclaredInOrder();
     void nothingIsSelectedBeforeAFolderIsChosen();
     void folderDialogAsksForFoldersAtHome();
@@ -65,7 +68,6 @@ private:
 void tst_FileSystemTreeWidget::init()
 {
     TestCase::init();
-    allowMessages(FolderTreeDriver::missingPicture());
     tree = std::make_unique<TempTree>(path(QStringLiteral("root")));
     widget = std::make_unique<FileSystemTreeWidget>(nullptr);
     driver = std::make_unique<FolderTreeDriver>(widget.get());
@@ -136,6 +138,35 @@ void tst_FileSystemTreeWidget::textsAndSizes()
              QStringLiteral("<b>You have selected one of the system directories.</b><br>We "
                             "recommend that you do not include the search for duplicates in these "
                             "folders."));
+}
+
+void tst_FileSystemTreeWidget::picturesAreThoseOfTheProgram()
+{
+    // The folder is 256 high and the warning sign 64, each in the middle of its place.
+    const auto shows = [](const QLabel *label, const QString &path, int height) {
+        const QPixmap wanted = Picture::scaledToHeight(path, height, label->devicePixelRatioF());
+        return !wanted.isNull() && label->alignment() == Qt::AlignCenter
+            && label->pixmap(Qt::ReturnByValue).toImage() == wanted.toImage();
+    };
+    const QWidget *const picking = widget->findChild<QStackedWidget *>()->widget(1);
+    QVERIFY(shows(picking->findChild<QLabel *>(), QStringLiteral(":/content/folder.png"), 256));
+    const QLayout *const row = driver->warning()->layout();
+    QVERIFY(shows(qobject_cast<QLabel *>(row->itemAt(0)->widget()),
+                  QStringLiteral(":/content/warning.png"),
+                  64));
+}
+
+void tst_FileSystemTreeWidget::pickingPageFromTopToBottom()
+{
+    // The picture, then the button between two stretches.
+    const QWidget *const page = widget->findChild<QStackedWidget *>()->widget(1);
+    const auto *const layout = qobject_cast<QVBoxLayout *>(page->layout());
+    QVERIFY(layout != nullptr);
+    QCOMPARE(layout->count(), 4);
+    QVERIFY(qobject_cast<QLabel *>(layout->itemAt(0)->widget()) != nullptr);
+    QVERIFY(layout->itemAt(1)->spacerItem() != nullptr);
+    QCOMPARE(layout->itemAt(2)->widget(), driver->button());
+    QVERIFY(layout->itemAt(3)->spacerItem() != nullptr);
 }
 
 void tst_FileSystemTreeWidget::slotsAreDeclaredInOrder()

@@ -9,9 +9,12 @@
 #include "ui/config/FileSystemTreeWidget.h"
 #include "ui/config/ScanConfigurationWidget.h"
 #include "ui/config/ScanProfileWidget.h"
+#include "ui/config/SpinBoxFileSize.h"
 
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QStackedWidget>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -31,6 +34,7 @@ protected slots:
 
 private slots:
     void layoutAndTexts();
+    void columnsHaveStraightEdges();
     void onlyOneSlotIsDeclared();
     void treeTakesTheFocusOfItsButton();
     void buttonIsMeasuredByTheWindowAtConstruction();
@@ -63,7 +67,6 @@ private:
 void tst_ScanConfigurationWidget::init()
 {
     TestCase::init();
-    allowMessages(FolderTreeDriver::missingPicture());
     configuration->folders = QStringList(QStringLiteral("/previous"));
     configuration->scanProfile = ScanProfile();
     configuration->scanProfile.minSizeInKbytes = 77;
@@ -142,8 +145,30 @@ void tst_ScanConfigurationWidget::layoutAndTexts()
     QCOMPARE(right->itemAt(2)->widget(), startButton());
     QCOMPARE(layout->stretch(0), 0);
     QCOMPARE(layout->stretch(1), 0);
-    QCOMPARE(startButton()->icon().isNull(),
-             QPixmap(QStringLiteral(":/content/start.png")).isNull());
+    const QPixmap picture(QStringLiteral(":/content/start.png"));
+    QVERIFY(!picture.isNull());
+    QCOMPARE(startButton()->icon().pixmap(picture.size()).toImage(), picture.toImage());
+}
+
+void tst_ScanConfigurationWidget::columnsHaveStraightEdges()
+{
+    // The options end where the button does on both sides, and begin level with the tree.
+    openTree();
+    const auto place = [this](const QWidget *widget) {
+        return QRect(widget->mapTo(page, QPoint()), widget->size());
+    };
+    const QRect button = place(startButton());
+    const QRect limit = place(page->findChildren<SpinBoxFileSize *>().last());
+    QCOMPARE(limit.left(), button.left());
+    QCOMPARE(limit.right(), button.right());
+    const QRect options = place(page->findChild<QRadioButton *>());
+    const QRect view = place(driver->view());
+    const auto *const caption = driver->view()->parentWidget()->findChild<QLabel *>();
+    QCOMPARE(options.left(), button.left());
+    QCOMPARE(options.top(), place(caption).top());
+    QCOMPARE(view.left(), page->layout()->contentsRect().left());
+    QCOMPARE(view.bottom(), button.bottom());
+    QVERIFY(button.left() - view.right() > 20);
 }
 
 void tst_ScanConfigurationWidget::onlyOneSlotIsDeclared()

@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QDoubleSpinBox>
+#include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -47,6 +48,7 @@ private slots:
     void givenProfileDoesNotSetTheControls();
     void toolTips();
     void layoutFromTopToBottom();
+    void boxesAreIndentedByOneColumnOfTwenty();
     void focusChainFollowsTheLayout();
     void advancedModeChecksMd5();
     void sameBoxesKeepTheirTicks();
@@ -257,6 +259,31 @@ void tst_ScanProfileWidget::layoutFromTopToBottom()
     }
     QCOMPARE(sizeInput(0)->findChild<QAbstractButton *>()->text(), QStringLiteral("Minimum size:"));
     QCOMPARE(sizeInput(1)->findChild<QAbstractButton *>()->text(), QStringLiteral("Maximum size:"));
+}
+
+void tst_ScanProfileWidget::boxesAreIndentedByOneColumnOfTwenty()
+{
+    // Each mode is a grid: its radio button spans all columns, its boxes all but the first.
+    for (int mode = 0; mode < 2; ++mode) {
+        const auto *const grid =
+            qobject_cast<QGridLayout *>(panel->layout()->itemAt(mode)->layout());
+        QVERIFY(grid != nullptr);
+        QList<QWidget *> column = {control(mode == 0 ? byteByByte : advanced)};
+        for (const char *const text : (mode == 0 ? sameBoxes : hashBoxes)) {
+            column.append(control(text));
+        }
+        QCOMPARE(grid->count(), column.size());
+        for (int i = 0; i < column.size(); ++i) {
+            int row = -1;
+            int first = -1;
+            int rows = 0;
+            int columns = 0;
+            grid->getItemPosition(grid->indexOf(column.at(i)), &row, &first, &rows, &columns);
+            const int indent = i == 0 ? 0 : 1;
+            QCOMPARE((QList<int>{row, first, rows, columns}),
+                     (QList<int>{i, indent, 1, 20 - indent}));
+        }
+    }
 }
 
 void tst_ScanProfileWidget::focusChainFollowsTheLayout()

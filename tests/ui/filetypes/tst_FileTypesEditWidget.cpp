@@ -33,6 +33,7 @@ private slots:
     void okAddsANewEntry();
     void okWithoutBothFieldsIsRefused_data();
     void okWithoutBothFieldsIsRefused();
+    void refusalHasNoParent();
     void nameThatIsAWholeEntryIsRefused();
     void nameIsNotComparedWhileEditing();
     void okTellsTheChange();
@@ -238,6 +239,19 @@ void tst_FileTypesEditWidget::okWithoutBothFieldsIsRefused()
     QVERIFY(added->isEmpty() && edited->isEmpty());
     QCOMPARE(field(0)->text(), name);
     QCOMPARE(field(1)->text(), masks);
+}
+
+void tst_FileTypesEditWidget::refusalHasNoParent()
+{
+    // The warning is a window of its own beside the editor.
+    driver->expect(
+        QStringLiteral("Warning"),
+        [](QWidget *box) {
+            return box->parentWidget() == nullptr ? QString() : QStringLiteral("it has a parent");
+        },
+        [](QWidget *box) { box->close(); });
+    press(QStringLiteral("Ok"));
+    QCOMPARE(driver->failures(), QStringList());
 }
 
 void tst_FileTypesEditWidget::nameThatIsAWholeEntryIsRefused()

@@ -58,6 +58,7 @@ private slots:
     void editorMayOutliveTheWindow();
     void deleteAsksAndKeepsTheRow();
     void deleteDeclinedKeepsTheEntry();
+    void questionHasNoParent();
     void rowBelowADeletedOneStandsForTheNextEntry();
     void rowWithoutEntryDoesNothing();
 
@@ -633,6 +634,23 @@ void tst_FileTypesWidget::deleteDeclinedKeepsTheEntry()
     openWindow();
     clickRow(1);
     answerQuestion(QMessageBox::No);
+    QCOMPARE(saved(), QByteArray("Any|*.*\n\r\nA|*.x\n\r\n"));
+}
+
+void tst_FileTypesWidget::questionHasNoParent()
+{
+    // The question is a window of its own; closed without an answer it deletes nothing.
+    writeMaskFile("Any|*.*\nA|*.x\n");
+    openWindow();
+    clickRow(1);
+    driver->expect(
+        QStringLiteral("Question"),
+        [](QWidget *box) {
+            return box->parentWidget() == nullptr ? QString() : QStringLiteral("it has a parent");
+        },
+        [](QWidget *box) { QTest::keyClick(box, Qt::Key_Escape); });
+    press(QStringLiteral("Delete"));
+    QCOMPARE(driver->failures(), QStringList());
     QCOMPARE(saved(), QByteArray("Any|*.*\n\r\nA|*.x\n\r\n"));
 }
 

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QTextCodec>
 
 #include <unistd.h>
 
@@ -49,6 +50,7 @@ private slots:
     void whatIsNoRegularFileCannotBeOpened();
     void unreadableFileCannotBeOpened();
     void saveWritesTheWorkingFolder();
+    void readsUtf8AndSavesInTheLocalEncoding();
     void saveRefusesWhatIsNoRegularFile_data();
     void saveRefusesWhatIsNoRegularFile();
 };
@@ -233,6 +235,21 @@ void tst_MaskFile::saveWritesTheWorkingFolder()
     QCOMPARE(TempTree::read(path(fileName())),
              "A|*.x\n\r\nB|*.y\r\n" + QStringLiteral("\u00e4").toLocal8Bit() + "|*.z\r\n\r\n");
     QVERIFY(!QFileInfo::exists(MaskFile::readingPath()));
+}
+
+void tst_MaskFile::readsUtf8AndSavesInTheLocalEncoding()
+{
+    // Where the two differ, a letter is read as two bytes and saved as one.
+    struct Restorer {
+        QTextCodec *codec;
+        ~Restorer() { QTextCodec::setCodecForLocale(codec); }
+    } const restorer{QTextCodec::codecForLocale()};
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    const QStringList entries = MaskFile::entries("\xc3\xa4|*.x");
+    QCOMPARE(entries, QStringList{QStringLiteral("\u00e4|*.x")});
+    expectMessage(QtDebugMsg, QStringLiteral("write \"\u00e4|*.x\\r\\n\""));
+    QVERIFY(MaskFile::save(entries));
+    QCOMPARE(TempTree::read(path(fileName())), QByteArray("\xe4|*.x\r\n"));
 }
 
 void tst_MaskFile::saveRefusesWhatIsNoRegularFile_data()
