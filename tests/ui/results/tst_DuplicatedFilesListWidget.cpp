@@ -24,6 +24,15 @@ QList<QStringList> twoGroups()
             {QStringLiteral("/d"), QStringLiteral("/e")}};
 }
 
+QStringList manyFiles()
+{
+    QStringList group;
+    for (int i = 0; i < 200; ++i) {
+        group.append(QStringLiteral("/%1").arg(i));
+    }
+    return group;
+}
+
 int columnsWidth(const QTableView *table)
 {
     int width = 0;
@@ -55,6 +64,8 @@ private slots:
     void selectAllAndUnselectAll();
     void goesBackToTheConfiguration();
     void widensThePathsToFillTheView();
+    void columnsStandBesideTheScrollBar();
+    void fillsTheViewWheneverThePageIsShown();
     void resizesTheColumnOfPathsForEachScan();
     void paintsRedAndGreyRows();
     void hasNoMenuWithoutACurrentRow();
@@ -246,11 +257,7 @@ void tst_DuplicatedFilesListWidget::tickingKeepsTheScrollPosition()
 {
     // A tick far down the list does not scroll it.
     ResultsPage results;
-    QStringList group;
-    for (int i = 0; i < 200; ++i) {
-        group.append(QStringLiteral("/%1").arg(i));
-    }
-    results.scanned({group});
+    results.scanned({manyFiles()});
     QScrollBar *const bar = results.table()->verticalScrollBar();
     QTRY_VERIFY(bar->maximum() > 0);
     bar->setValue(bar->maximum() / 2);
@@ -342,6 +349,45 @@ void tst_DuplicatedFilesListWidget::widensThePathsToFillTheView()
     results.page.resize(700, 600);
     QCOMPARE(table->columnWidth(2), before);
     QVERIFY(columnsWidth(table) > table->width());
+}
+
+void tst_DuplicatedFilesListWidget::columnsStandBesideTheScrollBar()
+{
+    // The vertical scroll bar covers no column and brings no horizontal one, whether it comes before
+    // the page gets its size or after; when it goes, the columns fill the view again.
+    ResultsPage results;
+    QTableView *const table = results.table();
+    const QScrollBar *const vertical = table->verticalScrollBar();
+    results.scanned({manyFiles()});
+    QTRY_VERIFY(vertical->isVisible());
+    results.page.resize(1100, 600);
+    QTRY_COMPARE(columnsWidth(table), table->width() - vertical->width());
+    QVERIFY(!table->horizontalScrollBar()->isVisible());
+    results.page.resize(1100, 200 * table->rowHeight(0) + 400);
+    QTRY_VERIFY(!vertical->isVisible());
+    QTRY_COMPARE(columnsWidth(table), table->width());
+    QVERIFY(!table->horizontalScrollBar()->isVisible());
+    results.page.resize(1100, 600);
+    QTRY_COMPARE(columnsWidth(table), table->width() - vertical->width());
+    QVERIFY(!table->horizontalScrollBar()->isVisible());
+    // Columns that a hand or a smaller window makes too wide can be scrolled.
+    table->setColumnWidth(1, table->columnWidth(1) + 50);
+    QTRY_VERIFY(table->horizontalScrollBar()->isVisible());
+    table->setColumnWidth(1, table->columnWidth(1) - 50);
+    QTRY_VERIFY(!table->horizontalScrollBar()->isVisible());
+    results.page.resize(900, 600);
+    QTRY_VERIFY(table->horizontalScrollBar()->isVisible());
+}
+
+void tst_DuplicatedFilesListWidget::fillsTheViewWheneverThePageIsShown()
+{
+    // The groups of a second scan arrive while another page is shown; this one keeps its size.
+    ResultsPage results;
+    results.page.hide();
+    results.scanned(twoGroups());
+    QVERIFY(columnsWidth(results.table()) < results.table()->width());
+    results.page.show();
+    QTRY_COMPARE(columnsWidth(results.table()), results.table()->width());
 }
 
 void tst_DuplicatedFilesListWidget::resizesTheColumnOfPathsForEachScan()
