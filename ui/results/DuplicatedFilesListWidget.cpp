@@ -158,6 +158,7 @@ void DuplicatedFilesListWidget::onModelEvent(const ModelEvent *modelEvent)
     tableModel->setDuplicatedFilesInList(event->duplicatedFiles);
     tableView->reset();
     tableView->resizeColumnToContents(DuplicatedFilesTableModel::FilepathColumn);
+    tableView->resizeColumnToContents(DuplicatedFilesTableModel::SizeColumn);
 }
 
 void DuplicatedFilesListWidget::onModelIndexClicked(QModelIndex index)

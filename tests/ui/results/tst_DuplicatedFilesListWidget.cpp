@@ -67,6 +67,7 @@ private slots:
     void columnsStandBesideTheScrollBar();
     void fillsTheViewWheneverThePageIsShown();
     void resizesTheColumnOfPathsForEachScan();
+    void showsLargeSizesWhole();
     void paintsRedAndGreyRows();
     void hasNoMenuWithoutACurrentRow();
     void menuOfAFile();
@@ -404,6 +405,19 @@ void tst_DuplicatedFilesListWidget::resizesTheColumnOfPathsForEachScan()
     results.scanned({{longPath, longPath}});
     QVERIFY(table->columnWidth(2) > table->fontMetrics().horizontalAdvance(longPath));
     QCOMPARE(table->columnWidth(3), sizes);
+}
+
+void tst_DuplicatedFilesListWidget::showsLargeSizesWhole()
+{
+    // The column of sizes is as wide as the longest number in it, in bold where it is bold.
+    const TempTree tree(path(QString()));
+    ResultsPage results;
+    const QString large = tree.sparseFile(QStringLiteral("large"), qint64(900) << 30);
+    results.scanned({{}, {large, large}});
+    const QString size = results.rows()->index(1, 3).data().toString();
+    QCOMPARE(size, QStringLiteral("943718400"));
+    const QFontMetrics bold(results.rows()->index(1, 3).data(Qt::FontRole).value<QFont>());
+    QVERIFY(results.table()->columnWidth(3) > bold.horizontalAdvance(size));
 }
 
 void tst_DuplicatedFilesListWidget::paintsRedAndGreyRows()
