@@ -158,6 +158,7 @@ void DuplicatedFilesListWidget::onModelEvent(const ModelEvent *modelEvent)
     tableModel->setDuplicatedFilesInList(event->duplicatedFiles);
     tableView->reset();
     tableView->resizeColumnToContents(DuplicatedFilesTableModel::FilepathColumn);
+    tableView->resizeColumnToContents(DuplicatedFilesTableModel::SizeColumn);
 }
 
 void DuplicatedFilesListWidget::onModelIndexClicked(QModelIndex index)
@@ -240,15 +241,21 @@ void DuplicatedFilesListWidget::onActionTriggered(QAction *action)
 void DuplicatedFilesListWidget::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    const int missing = tableView->width() - tableView->horizontalHeader()->length();
-    if (missing > 0) {
-        const int filepath = DuplicatedFilesTableModel::FilepathColumn;
-        tableView->setColumnWidth(filepath, tableView->columnWidth(filepath) + missing);
-    }
+    fillView();
+}
+
+void DuplicatedFilesListWidget::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    fillView();
 }
 
 bool DuplicatedFilesListWidget::eventFilter(QObject *watched, QEvent *event)
 {
+    // The vertical scroll bar comes and goes inside the view, which keeps its own size.
+    if (watched == tableView->viewport() && event->type() == QEvent::Resize) {
+        fillView();
+    }
     if (watched == tableView && event->type() == QEvent::KeyPress
         && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Space
         && tableView->currentIndex().isValid()) {
@@ -322,6 +329,11 @@ void DuplicatedFilesListWidget::createTable()
     // There is nothing to edit in a cell, so Tab goes on to the next control.
     tableView->setTabKeyNavigation(false);
     tableView->installEventFilter(this);
+    tableView->viewport()->installEventFilter(this);
+    connect(tableView->horizontalHeader(),
+            &QHeaderView::sectionResized,
+            this,
+            &DuplicatedFilesListWidget::offerScrolling);
 }
 
 ClickableLabel *DuplicatedFilesListWidget::createButton(const QString &text,
@@ -337,6 +349,25 @@ ClickableLabel *DuplicatedFilesListWidget::createButton(const QString &text,
     button->textColor = QColor(QStringLiteral("#696969"));
     connect(button, SIGNAL(clicked()), this, SLOT(onButtonClicked()));
     return button;
+}
+
+void DuplicatedFilesListWidget::fillView()
+{
+    const int columns = tableView->horizontalHeader()->length();
+    const int missing = tableView->viewport()->width() + 2 * tableView->frameWidth() - columns;
+    // Columns that fill the view make room for its scroll bar; wider ones are left alone.
+    if (missing > 0 || columns == tableView->width()) {
+        const int filepath = DuplicatedFilesTableModel::FilepathColumn;
+        tableView->setColumnWidth(filepath, tableView->columnWidth(filepath) + missing);
+    }
+    offerScrolling();
+}
+
+void DuplicatedFilesListWidget::offerScrolling()
+{
+    const int hidden = tableView->horizontalHeader()->length() - tableView->viewport()->width();
+    tableView->setHorizontalScrollBarPolicy(
+        hidden > 2 * tableView->frameWidth() ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
 }
 
 // Ticking resets the model, and with it the current row.

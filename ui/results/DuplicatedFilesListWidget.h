@@ -51,7 +51,8 @@ public slots:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
-    /** The space bar in the table toggles the tick of the current row. */
+    void showEvent(QShowEvent *event) override;
+    /** The space bar in the table toggles the tick of the current row; the columns follow its size. */
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -62,6 +63,10 @@ private:
                                  const QString &picture,
                                  int height,
                                  int weight);
+    /** Widens the paths until the columns fill the view beside its scroll bar. */
+    void fillView();
+    /** No horizontal scroll bar for the few pixels that lie under the view's frame. */
+    void offerScrolling();
     void toggleRow(const QModelIndex &index);
     void askToDeleteSelectedFiles();
     /** The text is plain unless it is announced as rich; the answer is No for a closed question. */

@@ -24,6 +24,15 @@ QList<QStringList> twoGroups()
             {QStringLiteral("/d"), QStringLiteral("/e")}};
 }
 
+QStringList manyFiles()
+{
+    QStringList group;
+    for (int i = 0; i < 200; ++i) {
+        group.append(QStringLiteral("/%1").arg(i));
+    }
+    return group;
+}
+
 int columnsWidth(const QTableView *table)
 {
     int width = 0;
@@ -55,7 +64,10 @@ private slots:
     void selectAllAndUnselectAll();
     void goesBackToTheConfiguration();
     void widensThePathsToFillTheView();
+    void columnsStandBesideTheScrollBar();
+    void fillsTheViewWheneverThePageIsShown();
     void resizesTheColumnOfPathsForEachScan();
+    void showsLargeSizesWhole();
     void paintsRedAndGreyRows();
     void hasNoMenuWithoutACurrentRow();
     void menuOfAFile();
@@ -246,11 +258,7 @@ void tst_DuplicatedFilesListWidget::tickingKeepsTheScrollPosition()
 {
     // A tick far down the list does not scroll it.
     ResultsPage results;
-    QStringList group;
-    for (int i = 0; i < 200; ++i) {
-        group.append(QStringLiteral("/%1").arg(i));
-    }
-    results.scanned({group});
+    results.scanned({manyFiles()});
     QScrollBar *const bar = results.table()->verticalScrollBar();
     QTRY_VERIFY(bar->maximum() > 0);
     bar->setValue(bar->maximum() / 2);
@@ -344,6 +352,45 @@ void tst_DuplicatedFilesListWidget::widensThePathsToFillTheView()
     QVERIFY(columnsWidth(table) > table->width());
 }
 
+void tst_DuplicatedFilesListWidget::columnsStandBesideTheScrollBar()
+{
+    // The vertical scroll bar covers no column and brings no horizontal one, whether it comes before
+    // the page gets its size or after; when it goes, the columns fill the view again.
+    ResultsPage results;
+    QTableView *const table = results.table();
+    const QScrollBar *const vertical = table->verticalScrollBar();
+    results.scanned({manyFiles()});
+    QTRY_VERIFY(vertical->isVisible());
+    results.page.resize(1100, 600);
+    QTRY_COMPARE(columnsWidth(table), table->width() - vertical->width());
+    QVERIFY(!table->horizontalScrollBar()->isVisible());
+    results.page.resize(1100, 200 * table->rowHeight(0) + 400);
+    QTRY_VERIFY(!vertical->isVisible());
+    QTRY_COMPARE(columnsWidth(table), table->width());
+    QVERIFY(!table->horizontalScrollBar()->isVisible());
+    results.page.resize(1100, 600);
+    QTRY_COMPARE(columnsWidth(table), table->width() - vertical->width());
+    QVERIFY(!table->horizontalScrollBar()->isVisible());
+    // Columns that a hand or a smaller window makes too wide can be scrolled.
+    table->setColumnWidth(1, table->columnWidth(1) + 50);
+    QTRY_VERIFY(table->horizontalScrollBar()->isVisible());
+    table->setColumnWidth(1, table->columnWidth(1) - 50);
+    QTRY_VERIFY(!table->horizontalScrollBar()->isVisible());
+    results.page.resize(900, 600);
+    QTRY_VERIFY(table->horizontalScrollBar()->isVisible());
+}
+
+void tst_DuplicatedFilesListWidget::fillsTheViewWheneverThePageIsShown()
+{
+    // The groups of a second scan arrive while another page is shown; this one keeps its size.
+    ResultsPage results;
+    results.page.hide();
+    results.scanned(twoGroups());
+    QVERIFY(columnsWidth(results.table()) < results.table()->width());
+    results.page.show();
+    QTRY_COMPARE(columnsWidth(results.table()), results.table()->width());
+}
+
 void tst_DuplicatedFilesListWidget::resizesTheColumnOfPathsForEachScan()
 {
     // The end of a scan fits the paths, and only them, to what is shown.
@@ -358,6 +405,19 @@ void tst_DuplicatedFilesListWidget::resizesTheColumnOfPathsForEachScan()
     results.scanned({{longPath, longPath}});
     QVERIFY(table->columnWidth(2) > table->fontMetrics().horizontalAdvance(longPath));
     QCOMPARE(table->columnWidth(3), sizes);
+}
+
+void tst_DuplicatedFilesListWidget::showsLargeSizesWhole()
+{
+    // The column of sizes is as wide as the longest number in it, in bold where it is bold.
+    const TempTree tree(path(QString()));
+    ResultsPage results;
+    const QString large = tree.sparseFile(QStringLiteral("large"), qint64(900) << 30);
+    results.scanned({{}, {large, large}});
+    const QString size = results.rows()->index(1, 3).data().toString();
+    QCOMPARE(size, QStringLiteral("943718400"));
+    const QFontMetrics bold(results.rows()->index(1, 3).data(Qt::FontRole).value<QFont>());
+    QVERIFY(results.table()->columnWidth(3) > bold.horizontalAdvance(size));
 }
 
 void tst_DuplicatedFilesListWidget::paintsRedAndGreyRows()
