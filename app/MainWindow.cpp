@@ -72,9 +72,9 @@ MainWindow::MainWindow(QWidget *parent)
     installPalette();
     model = new Model(this);
     connect(model,
-            SIGNAL(modelEvent(const ModelEvent*)),
+            SIGNAL(modelEvent(const ModelEvent *)),
             this,
-            SLOT(onModelEvent(const ModelEvent*)));
+            SLOT(onModelEvent(const ModelEvent *)));
     controller = new Controller(model, nullptr);
     keep(controller);
 
@@ -131,19 +131,18 @@ void MainWindow::createStatusBar(QVBoxLayout *layout)
 {
     statusBarWidget = new StatusBarWidget(nullptr);
     layout->addWidget(statusBarWidget);
-    const QString homepage = QStringLiteral("<a href=\"%1\">%2</a>")
-                                 .arg(QLatin1String(Product::homepage),
-                                      QLatin1String(Product::homepageShortForm));
-    statusBarWidget->showRightMessage(QStringLiteral("%1 Build %2 %3")
-                                          .arg(QLatin1String(Product::version),
-                                               QLatin1String(Product::build),
-                                               homepage));
+    const QString homepage =
+        QStringLiteral("<a href=\"%1\">%2</a>")
+            .arg(QLatin1String(Product::homepage), QLatin1String(Product::homepageShortForm));
+    statusBarWidget->showRightMessage(
+        QStringLiteral("%1 Build %2 %3")
+            .arg(QLatin1String(Product::version), QLatin1String(Product::build), homepage));
 }
 
 void MainWindow::createMenu()
 {
     menu = menuBar()->addMenu(QStringLiteral("Menu"));
-    connect(menu, SIGNAL(triggered(QAction*)), this, SLOT(onMenuClicked(QAction*)));
+    connect(menu, SIGNAL(triggered(QAction *)), this, SLOT(onMenuClicked(QAction *)));
     menu->addAction(QStringLiteral("About"));
     menu->addAction(QStringLiteral("Homepage"));
     menu->addAction(QStringLiteral("Feedback"));
@@ -173,7 +172,7 @@ void MainWindow::setFittingSize()
 {
     QT_WARNING_PUSH
     QT_WARNING_DISABLE_DEPRECATED // The ratio is that of the whole desktop, not of one screen.
-    const int ratio = QApplication::desktop()->devicePixelRatio();
+        const int ratio = QApplication::desktop()->devicePixelRatio();
     QT_WARNING_POP
     setMinimumSize(minimumWidthPixels / ratio, minimumHeightPixels / ratio);
     // A minimum that is set by hand goes before that of the layout, and at a ratio of 2 it is less
@@ -239,11 +238,11 @@ void MainWindow::offerUpdate(const QString &version, const QUrl &page)
     if (versionNumber(version) <= versionNumber(QString::fromLatin1(Product::version))) {
         return;
     }
-    const auto answer = QMessageBox::question(
-        this,
-        QStringLiteral("Updates"),
-        QStringLiteral("New version is avialable! Go to website?"),
-        QMessageBox::Yes | QMessageBox::No);
+    const auto answer =
+        QMessageBox::question(this,
+                              QStringLiteral("Updates"),
+                              QStringLiteral("New version is avialable! Go to website?"),
+                              QMessageBox::Yes | QMessageBox::No);
     if (answer == QMessageBox::Yes) {
         QDesktopServices::openUrl(page);
     }

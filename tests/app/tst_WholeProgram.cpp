@@ -156,7 +156,9 @@ void tst_WholeProgram::scanReviewTrashAndScanAgain_data()
                            {QStringLiteral("Any File"), QStringLiteral("Text Files")});
     }) << QStringList({a, a});
     QTest::newRow("without photos") << Setup([](WindowDriver &driver) {
-        return chooseTypes(driver, QStringLiteral("Choose file types to exclude"), {QStringLiteral("Photo Images")});
+        return chooseTypes(driver,
+                           QStringLiteral("Choose file types to exclude"),
+                           {QStringLiteral("Photo Images")});
     }) << QStringList({a, a, d, d});
     QTest::newRow("from 1 KB") << Setup([](WindowDriver &driver) {
         return setSize(driver, QStringLiteral("Minimum size:"), 1);
