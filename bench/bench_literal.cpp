@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QHash>
+#include <QSet>
 #include <QTextStream>
 
 /*
@@ -45,6 +46,7 @@ QList<QStringList> bucketsOf(const QString &folder)
 QStringList groupOf(const QStringList &bucket, qint64 *pairs)
 {
     QStringList group;
+    QSet<QString> placed; // kinder to the plain way than a search in the list for each pair
     for (int j = 0; j < bucket.size() - 1; ++j) {
         for (int k = j + 1; k < bucket.size(); ++k) {
             QCoreApplication::processEvents();
@@ -54,9 +56,11 @@ QStringList groupOf(const QStringList &bucket, qint64 *pairs)
             }
             if (group.isEmpty()) {
                 group.append(bucket.at(j));
+                placed.insert(bucket.at(j));
             }
-            if (!group.contains(bucket.at(k))) {
+            if (!placed.contains(bucket.at(k))) {
                 group.append(bucket.at(k));
+                placed.insert(bucket.at(k));
             }
         }
     }

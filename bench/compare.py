@@ -90,6 +90,7 @@ class Bench:
         row = Row(*arguments, **fields)
         self.rows.append(row)
         say("  %s: %s, %s" % (row.measure, row.number(row.value), row.verdict))
+        say("    " + row.detail)
 
     def add_ratio(self, workload, what, goal, ours, references):
         """A row of our time against that of the fastest of the reference tools."""
@@ -246,7 +247,9 @@ class Bench:
                 else:
                     self.expect(command, twins(count))
             workload = "%d against %d small files, %s" % (*counts, mode)
-            self.add_growth(workload, *self.alternate(commands).values())
+            # The pairs of large buckets take their time.
+            runs = self.runs if options else min(3, self.runs)
+            self.add_growth(workload, *self.alternate(commands, runs).values())
 
     def add_growth(self, workload, all_files, tenth):
         self.add(
