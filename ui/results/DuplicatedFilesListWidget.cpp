@@ -319,6 +319,8 @@ void DuplicatedFilesListWidget::createTable()
     connect(tableView, SIGNAL(clicked(QModelIndex)), this, SLOT(onModelIndexClicked(QModelIndex)));
     tableView->horizontalHeader()->setSectionResizeMode(DuplicatedFilesTableModel::CheckColumn,
                                                         QHeaderView::Fixed);
+    // By default no column is narrower than the widest letter of the font.
+    tableView->horizontalHeader()->setMinimumSectionSize(rowHeight);
     tableView->setColumnWidth(DuplicatedFilesTableModel::CheckColumn, rowHeight);
     tableView->setColumnWidth(DuplicatedFilesTableModel::GroupColumn,
                               static_cast<int>(rowHeight * groupWidthFactor));

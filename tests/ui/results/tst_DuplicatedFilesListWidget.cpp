@@ -6,11 +6,13 @@
 #include "ui/progress/ClickableLabel.h"
 #include "ui/results/DuplicatedFilesTableModel.h"
 
+#include <QApplication>
 #include <QCursor>
 #include <QDesktopServices>
 #include <QHeaderView>
 #include <QMenu>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QScrollBar>
 #include <QStackedWidget>
 #include <QTableView>
@@ -53,6 +55,7 @@ private slots:
     void buttonsShowPictureAndCaption_data();
     void buttonsShowPictureAndCaption();
     void setsUpTheTable();
+    void checkBoxesStandInASquareInAnyFont();
     void fillsTheTableAtTheEndOfAScan();
     void ignoresAllOtherEvents();
     void anEmptyResultEmptiesTheTable();
@@ -179,6 +182,19 @@ void tst_DuplicatedFilesListWidget::setsUpTheTable()
     QCOMPARE(table->verticalScrollMode(), QAbstractItemView::ScrollPerPixel);
     QCOMPARE(table->selectionMode(), QAbstractItemView::SingleSelection);
     QCOMPARE(table->selectionBehavior(), QAbstractItemView::SelectRows);
+}
+
+void tst_DuplicatedFilesListWidget::checkBoxesStandInASquareInAnyFont()
+{
+    // A large font does not widen the column of check boxes.
+    const QFont usual = QApplication::font();
+    const auto restore = qScopeGuard([&] { QApplication::setFont(usual); });
+    QFont large = usual;
+    large.setPixelSize(40);
+    QApplication::setFont(large);
+    const ResultsPage results;
+    const QTableView *const table = results.table();
+    QCOMPARE(table->columnWidth(0), table->verticalHeader()->defaultSectionSize());
 }
 
 void tst_DuplicatedFilesListWidget::fillsTheTableAtTheEndOfAScan()
