@@ -51,8 +51,8 @@ void open(const char *address)
 // it. Kept here so that it stays reachable.
 void keep(Controller *controller)
 {
-    static QList<Controller *> controllers;
-    controllers.append(controller);
+    static auto *const controllers = new QList<Controller *>; // for as long as the process lives
+    controllers->append(controller);
 }
 
 // Texts are black on the window's white, whatever the desktop's colours are.

@@ -23,6 +23,7 @@ private slots:
     void updateAnswers();
     void redirectIsNotFollowed();
     void tooLargeAnswerIsCutOff();
+    void connectionThatEndsHalfWay();
     void unreachableServerIsSilent();
     void silentServerIsGivenUp();
     void severalChecksAtOnce();
@@ -162,6 +163,16 @@ void tst_Controller::tooLargeAnswerIsCutOff()
     QCOMPARE(check(server), QStringList({QStringLiteral("8 1 . u")}));
     server.setAnswer("HTTP/1.1 200 OK", head + QByteArray(64 * 1024 - head.size() + 1, 'x'));
     QCOMPARE(check(server), QStringList());
+}
+
+void tst_Controller::connectionThatEndsHalfWay()
+{
+    // What has arrived decides: one line is too little, two good ones are an answer.
+    HttpServer server;
+    server.setCutAnswer("HTTP/1.1 200 OK", "version=1.2.4 Build 9\n", 6);
+    QCOMPARE(check(server), QStringList());
+    server.setCutAnswer("HTTP/1.1 200 OK", "version=1.2.4 Build 9\nurl=u\n", 6);
+    QCOMPARE(check(server), QStringList({QStringLiteral("8 1 . u")}));
 }
 
 void tst_Controller::unreachableServerIsSilent()

@@ -19,8 +19,13 @@ QUrl HttpServer::url(const QString &path) const
 
 void HttpServer::setAnswer(const QByteArray &head, const QByteArray &body)
 {
+    setCutAnswer(head, body, 0);
+}
+
+void HttpServer::setCutAnswer(const QByteArray &head, const QByteArray &body, int missingBytes)
+{
     silent = false;
-    answer = head + "\r\nContent-Length: " + QByteArray::number(body.size())
+    answer = head + "\r\nContent-Length: " + QByteArray::number(body.size() + missingBytes)
         + "\r\nConnection: close\r\n\r\n" + body;
 }
 

@@ -18,6 +18,8 @@ public:
     QUrl url(const QString &path) const;
     /** The head is everything before the empty line, e.g. "HTTP/1.1 200 OK". */
     void setAnswer(const QByteArray &head, const QByteArray &body);
+    /** As setAnswer(), but the connection ends when that many bytes of the body are missing. */
+    void setCutAnswer(const QByteArray &head, const QByteArray &body, int missingBytes);
     /** Accepts requests and never answers them. */
     void setSilent();
     /** The first line of each request, in the order in which they came. */

@@ -82,7 +82,10 @@ void WidgetAnalyzeWaiting::updateFindDuplicatedFiles(int currentCount,
 {
     currentCountFiles = currentCount;
     countFoundedDuplicated = foundCount;
+    // The bar repaints itself within setValue(), which a scan of many files would wait for.
+    progressBar->setUpdatesEnabled(false);
     progressBar->setValue(currentCountFiles);
+    progressBar->setUpdatesEnabled(true);
     infoLabel->setText(QStringLiteral("Analyzing <b>%1</b><br>"
                                       "<b>%2</b> files in selected folders<br>"
                                       "Found <b>%3</b> duplicated files (<b>%4</b> on hard drive)")
