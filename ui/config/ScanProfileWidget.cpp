@@ -217,6 +217,8 @@ void ScanProfileWidget::chooseTypes(const QString &chosen, const char *receiver)
 {
     // A window of its own, which deletes itself; pressed again, the button opens another one.
     auto *const window = new FileTypesWidget;
+    window->setAttribute(Qt::WA_DeleteOnClose); // by its frame, too
+    window->setAttribute(Qt::WA_QuitOnClose, false); // the main window alone keeps the program
     connect(window, SIGNAL(selectedTypesSignal(QStringList)), this, receiver);
     window->setCurrentMaskList(MaskEntry::fromLine(chosen));
     window->show();

@@ -223,6 +223,7 @@ void FileTypesWidget::resizeToEntries()
 void FileTypesWidget::addEntry()
 {
     auto *const editor = new FileTypesEditWidget;
+    editor->setAttribute(Qt::WA_QuitOnClose, false);
     editor->setAllFilesMask(maskEntries);
     connect(editor, SIGNAL(addNewMask(QString)), this, SLOT(onAddNewMask(QString)));
     editor->show();
@@ -234,6 +235,7 @@ void FileTypesWidget::editEntry()
         return;
     }
     auto *const editor = new FileTypesEditWidget;
+    editor->setAttribute(Qt::WA_QuitOnClose, false);
     // clang-format off
     connect(editor, SIGNAL(editMask(QString,QString)), this, SLOT(onEditMask(QString,QString)));
     // clang-format on
