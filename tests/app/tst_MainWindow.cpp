@@ -10,6 +10,7 @@
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
 #include "tests/support/UrlCatcher.h"
+#include "tests/support/WindowDriver.h"
 #include "ui/config/ScanConfigurationWidget.h"
 #include "ui/progress/AboutWidget.h"
 #include "ui/progress/ProgressWidget.h"
@@ -118,6 +119,7 @@ private slots:
     void homepage();
     void feedbackFallsBackToTheContactPage();
     void exitEndsTheProgram();
+    void closingEndsTheProgramBesideOtherWindows();
     void checksForUpdates();
     void otherActionsDoNothing();
     void threadAndEngineGoWithTheWindow();
@@ -507,6 +509,31 @@ void tst_MainWindow::feedbackFallsBackToTheContactPage()
     const UrlCatcher onlyPages({QStringLiteral("https")});
     chooseInMenu(window, QStringLiteral("Feedback"));
     QCOMPARE(onlyPages.opened(), QStringList({QString::fromLatin1(Product::contactPage)}));
+}
+
+void tst_MainWindow::closingEndsTheProgramBesideOtherWindows()
+{
+    // Neither the about box nor a list of file types keeps the program alive, and the list goes when
+    // its frame is closed.
+    allowMessages(QRegularExpression(QStringLiteral("^SEE ")));
+    MainWindow window;
+    window.show();
+    window.showAboutDialog();
+    ModalDriver boxes;
+    WindowDriver driver(&window, &boxes);
+    QVERIFY(driver.click(QStringLiteral("Choose file types to include")));
+    const QPointer<QWidget> types = driver.otherWindow("FileTypesWidget");
+    const QPointer<QWidget> about = driver.otherWindow("AboutWidget");
+    QVERIFY(!types.isNull() && !about.isNull());
+    QTimer::singleShot(0, &window, [&window] { window.close(); });
+    QTimer::singleShot(30000, &window, [] { QCoreApplication::exit(1); });
+    QCOMPARE(QApplication::exec(), 0);
+    for (const QPointer<QWidget> &other : {types, about}) {
+        if (!other.isNull()) {
+            other->close();
+        }
+        QTRY_VERIFY(other.isNull());
+    }
 }
 
 void tst_MainWindow::exitEndsTheProgram()
