@@ -3,8 +3,8 @@
 
 #include <QDesktopServices>
 
-UrlCatcher::UrlCatcher(const QStringList &taken)
-    : schemes(taken)
+UrlCatcher::UrlCatcher(const QStringList &takenSchemes)
+    : schemes(takenSchemes)
 {
     for (const QString &scheme : schemes) {
         QDesktopServices::setUrlHandler(scheme, this, "take");
@@ -20,5 +20,14 @@ UrlCatcher::~UrlCatcher()
 
 void UrlCatcher::take(const QUrl &url)
 {
-    urls.append(url.toString());
+    taken.append(url);
+}
+
+QStringList UrlCatcher::opened() const
+{
+    QStringList texts;
+    for (const QUrl &url : taken) {
+        texts.append(url.toString());
+    }
+    return texts;
 }

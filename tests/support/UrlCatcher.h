@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QStringList>
 #include <QUrl>
@@ -14,16 +15,19 @@ class UrlCatcher final : public QObject
     Q_OBJECT
 
 public:
-    explicit UrlCatcher(const QStringList &schemes);
+    explicit UrlCatcher(const QStringList &schemes = {QStringLiteral("http"),
+                                                      QStringLiteral("https"),
+                                                      QStringLiteral("mailto")});
     ~UrlCatcher() override;
 
     /** In the order in which they were opened. */
-    QStringList opened() const { return urls; }
+    QList<QUrl> urls() const { return taken; }
+    QStringList opened() const;
 
 public slots:
     void take(const QUrl &url);
 
 private:
     QStringList schemes;
-    QStringList urls;
+    QList<QUrl> taken;
 };

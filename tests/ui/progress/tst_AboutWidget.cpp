@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/Product.h"
 #include "tests/support/TestCase.h"
-#include "tests/ui/progress/OpenedUrls.h"
+#include "tests/support/UrlCatcher.h"
 #include "ui/progress/AboutWidget.h"
 
 #include <QLabel>
@@ -109,17 +109,17 @@ void tst_AboutWidget::linksOpenOnTheDesktop()
 {
     // The homepage opens by mouse and by keys.
     AboutWidget box;
-    const OpenedUrls opened;
+    const UrlCatcher catcher;
     box.show();
     QVERIFY(QTest::qWaitForWindowExposed(&box));
     QLabel *const homepage = labelOf(box, "homepageLabel");
     QTest::mouseClick(homepage, Qt::LeftButton, Qt::NoModifier, homepage->rect().center());
     const QUrl page(QString::fromUtf8(Product::homepage));
-    QCOMPARE(opened.urls, QList<QUrl>({page}));
+    QCOMPARE(catcher.urls(), QList<QUrl>({page}));
     QVERIFY(homepage->focusPolicy() & Qt::TabFocus);
     homepage->setFocus(Qt::TabFocusReason);
     QTest::keyClick(homepage, Qt::Key_Return);
-    QCOMPARE(opened.urls, QList<QUrl>({page, page}));
+    QCOMPARE(catcher.urls(), QList<QUrl>({page, page}));
 }
 
 void tst_AboutWidget::escapeCloses()

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/Product.h"
 #include "tests/support/TestCase.h"
-#include "tests/ui/progress/OpenedUrls.h"
+#include "tests/support/UrlCatcher.h"
 #include "ui/progress/ClickableLabel.h"
 #include "ui/progress/StatusBarWidget.h"
 
@@ -72,14 +72,14 @@ void tst_StatusBarWidget::iconsOpenTheirPages()
 {
     // Each icon opens its own page, once a press.
     const StatusBarWidget bar;
-    const OpenedUrls opened;
+    const UrlCatcher catcher;
     const QUrl twitter(QString::fromUtf8(Product::twitterPage));
     const QUrl facebook(QString::fromUtf8(Product::facebookPage));
     QVERIFY(twitter != facebook);
     QTest::mouseClick(iconOf(bar, "Twitter"), Qt::LeftButton);
-    QCOMPARE(opened.urls, QList<QUrl>({twitter}));
+    QCOMPARE(catcher.urls(), QList<QUrl>({twitter}));
     QTest::mouseClick(iconOf(bar, "Facebook"), Qt::LeftButton);
-    QCOMPARE(opened.urls, QList<QUrl>({twitter, facebook}));
+    QCOMPARE(catcher.urls(), QList<QUrl>({twitter, facebook}));
 }
 
 void tst_StatusBarWidget::slotsOfTheMetaObject()
@@ -115,7 +115,7 @@ void tst_StatusBarWidget::linkInMessageOpens()
 {
     // A click on a link in either message opens it on the desktop.
     StatusBarWidget bar;
-    const OpenedUrls opened;
+    const UrlCatcher catcher;
     bar.showLeftMessage(QStringLiteral("<a href=\"https://left.example/\">left</a>"));
     bar.showRightMessage(QStringLiteral("<a href=\"https://right.example/\">right</a>"));
     bar.resize(800, 60);
@@ -123,7 +123,7 @@ void tst_StatusBarWidget::linkInMessageOpens()
     QVERIFY(QTest::qWaitForWindowExposed(&bar));
     QTest::mouseClick(labelOf(bar, "leftLabel"), Qt::LeftButton);
     QTest::mouseClick(labelOf(bar, "rightLabel"), Qt::LeftButton);
-    QCOMPARE(opened.urls,
+    QCOMPARE(catcher.urls(),
              QList<QUrl>({QUrl(QStringLiteral("https://left.example/")),
                           QUrl(QStringLiteral("https://right.example/"))}));
 }
@@ -132,7 +132,7 @@ void tst_StatusBarWidget::focusGoesThroughTheIcons()
 {
     // Tab goes from icon to icon in their order, and Space opens the page.
     StatusBarWidget bar;
-    const OpenedUrls opened;
+    const UrlCatcher catcher;
     bar.show();
     bar.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&bar));
@@ -140,7 +140,7 @@ void tst_StatusBarWidget::focusGoesThroughTheIcons()
     QTest::keyClick(&bar, Qt::Key_Tab);
     QCOMPARE(bar.focusWidget(), iconOf(bar, "Twitter"));
     QTest::keyClick(bar.focusWidget(), Qt::Key_Space);
-    QCOMPARE(opened.urls, QList<QUrl>({QUrl(QString::fromUtf8(Product::twitterPage))}));
+    QCOMPARE(catcher.urls(), QList<QUrl>({QUrl(QString::fromUtf8(Product::twitterPage))}));
     QTest::keyClick(&bar, Qt::Key_Backtab, Qt::ShiftModifier);
     QCOMPARE(bar.focusWidget(), iconOf(bar, "Facebook"));
 }
