@@ -7,6 +7,7 @@
 namespace
 {
 constexpr qint64 maxPixels = 256'000'000;
+constexpr qint64 maxBytesInMemory = 64 * qint64(1024) * 1024;
 // The painter's own limit.
 constexpr int maxSidePixels = 32767;
 constexpr int gifCanvasOffset = 6;
@@ -62,7 +63,10 @@ QImage PictureFile::readAtHeight(int height)
     const QSize reduced = target * 2;
     if (reduced.height() < announcedSize.height()
         && reader.supportsOption(QImageIOHandler::ScaledSize)) {
+        readFromMemory();
         reader.setScaledSize(reduced);
+        // At this size nobody sees the finer of the decoder's two ways.
+        reader.setQuality(0);
     }
     const QImage image = read();
     return image.isNull() ? image
@@ -77,6 +81,17 @@ QSize PictureFile::sizeAtHeight(const QSize &size, int height)
     // Rounded as the toolkit's smooth scaling rounds.
     const qreal width = qreal(height) / size.height() * size.width() + 0.9999;
     return width > maxSidePixels ? QSize() : QSize(static_cast<int>(width), height);
+}
+
+void PictureFile::readFromMemory()
+{
+    // The decoder of JPEG takes a slower path near the end of each piece that it is given.
+    if (reader.format() != "jpeg" || file.size() > maxBytesInMemory || !file.seek(0)) {
+        return;
+    }
+    content.setData(file.read(maxBytesInMemory));
+    content.open(QIODevice::ReadOnly);
+    reader.setDevice(&content);
 }
 
 QSize PictureFile::headerSize()

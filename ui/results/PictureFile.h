@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QBuffer>
 #include <QFile>
 #include <QImage>
 #include <QImageReader>
@@ -32,11 +33,13 @@ public:
     static QSize sizeAtHeight(const QSize &size, int height);
 
 private:
+    void readFromMemory();
     QSize headerSize();
     QSize canvasOfGif();
     QSize firstImageOfIcon();
 
     QFile file;
+    QBuffer content;
     QImageReader reader;
     QSize announcedSize;
 };
