@@ -11,7 +11,9 @@
 namespace
 {
 constexpr qint64 maxHeadBytes = 4 * 1024;
-constexpr qint64 maxBytesInMemory = 64 * 1024 * 1024;
+constexpr qint64 maxBytesInMemory = 64 * qint64(1024) * 1024;
+// Heads whose addresses are a power of two apart would share a few lines of the processor's cache.
+constexpr qint64 bytesBetweenHeads = 64;
 } // namespace
 
 BucketJudge::BucketJudge(const QStringList &bucket, KeyOf keyOf)
@@ -23,10 +25,8 @@ BucketJudge::BucketJudge(const QStringList &bucket, KeyOf keyOf)
 
 bool BucketJudge::areEqual(int first, int second)
 {
-    readHead(first);
-    readHead(second);
-    File &a = files[static_cast<std::size_t>(first)];
-    File &b = files[static_cast<std::size_t>(second)];
+    File &a = knownFile(first);
+    File &b = knownFile(second);
     // Sizes differ where two keys coincide. Then only the end of the first file counts, so such a
     // verdict says nothing about any other pair.
     if (!isTrusting || !a.isReadable || !b.isReadable || a.size != b.size) {
@@ -56,30 +56,38 @@ qint64 BucketJudge::sizeOf(int index)
     return file.countedSize;
 }
 
+BucketJudge::File &BucketJudge::knownFile(int index)
+{
+    File &file = files[static_cast<std::size_t>(index)];
+    if (!file.isKnown) {
+        readHead(index);
+    }
+    return file;
+}
+
 void BucketJudge::readHead(int index)
 {
     File &known = files[static_cast<std::size_t>(index)];
-    if (known.isKnown) {
-        return;
-    }
     known.isKnown = true;
+    hasRead = true;
     RegularFile file;
     if (!file.open(paths.at(index))) {
         return;
     }
     if (headBytes < 0) {
-        headBytes = std::min({file.size(), maxHeadBytes, maxBytesInMemory / paths.size()});
-        heads.reset(new char[static_cast<std::size_t>(headBytes) * files.size()]);
+        const qint64 share = maxBytesInMemory / paths.size() - bytesBetweenHeads;
+        headBytes = std::min({file.size(), maxHeadBytes, std::max(share, qint64(0))});
+        headStride = headBytes == 0 ? 0 : headBytes + bytesBetweenHeads;
+        heads.reset(new char[static_cast<std::size_t>(headStride) * files.size()]);
     }
     known.size = file.size();
     const qint64 bytes = std::min(known.size, headBytes);
-    char *const head = heads.get() + index * headBytes;
-    known.isReadable = file.read(head, bytes) == bytes;
+    known.isReadable = file.read(headOf(index), bytes) == bytes;
 }
 
-const char *BucketJudge::headOf(int index) const
+char *BucketJudge::headOf(int index) const
 {
-    return heads.get() + index * headBytes;
+    return heads.get() + index * headStride;
 }
 
 bool BucketJudge::haveSameContent(int first, int second)
@@ -94,6 +102,7 @@ bool BucketJudge::haveSameContent(int first, int second)
 
 bool BucketJudge::compareWhole(int first, int second)
 {
+    hasRead = true;
     const auto verdict = FileComparison::compare(paths.at(first), paths.at(second));
     const File &a = files[static_cast<std::size_t>(first)];
     const File &b = files[static_cast<std::size_t>(second)];

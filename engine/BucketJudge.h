@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 /**
@@ -35,6 +36,8 @@ public:
      * ones.
      */
     bool areEqual(int first, int second);
+    /** Whether a file has been opened since the last call; true at the first. */
+    bool takeHasRead() { return std::exchange(hasRead, false); }
     /** Bytes of the file at the index, looked up once. */
     qint64 sizeOf(int index);
 
@@ -47,8 +50,9 @@ private:
         bool isReadable = false;
     };
 
+    File &knownFile(int index);
     void readHead(int index);
-    const char *headOf(int index) const;
+    char *headOf(int index) const;
     bool compareWhole(int first, int second);
     bool belongTogether(int first, int second) const;
     bool haveSameContent(int first, int second);
@@ -57,6 +61,8 @@ private:
     KeyOf currentKey;
     std::vector<File> files;
     qint64 headBytes = -1;
+    qint64 headStride = 0;
     std::unique_ptr<char[]> heads;
     bool isTrusting = true;
+    bool hasRead = true;
 };
