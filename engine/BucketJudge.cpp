@@ -25,8 +25,14 @@ BucketJudge::BucketJudge(const QStringList &bucket, KeyOf keyOf)
 
 bool BucketJudge::areEqual(int first, int second)
 {
-    File &a = knownFile(first);
-    File &b = knownFile(second);
+    File &a = files[static_cast<std::size_t>(first)];
+    File &b = files[static_cast<std::size_t>(second)];
+    if (!a.isKnown) {
+        readHead(first);
+    }
+    if (!b.isKnown) {
+        readHead(second);
+    }
     // Sizes differ where two keys coincide. Then only the end of the first file counts, so such a
     // verdict says nothing about any other pair.
     if (!isTrusting || !a.isReadable || !b.isReadable || a.size != b.size) {
@@ -51,18 +57,10 @@ qint64 BucketJudge::sizeOf(int index)
 {
     File &file = files[static_cast<std::size_t>(index)];
     if (file.countedSize < 0) {
+        hasRead = true;
         file.countedSize = RegularFile::sizeOf(paths.at(index));
     }
     return file.countedSize;
-}
-
-BucketJudge::File &BucketJudge::knownFile(int index)
-{
-    File &file = files[static_cast<std::size_t>(index)];
-    if (!file.isKnown) {
-        readHead(index);
-    }
-    return file;
 }
 
 void BucketJudge::readHead(int index)
@@ -83,6 +81,10 @@ void BucketJudge::readHead(int index)
     known.size = file.size();
     const qint64 bytes = std::min(known.size, headBytes);
     known.isReadable = file.read(headOf(index), bytes) == bytes;
+    if (known.isReadable) {
+        const qint64 startBytes = std::min(bytes, static_cast<qint64>(known.start.size()));
+        std::copy_n(headOf(index), startBytes, known.start.begin());
+    }
 }
 
 char *BucketJudge::headOf(int index) const
@@ -92,12 +94,15 @@ char *BucketJudge::headOf(int index) const
 
 bool BucketJudge::haveSameContent(int first, int second)
 {
-    const qint64 size = files[static_cast<std::size_t>(first)].size;
-    const qint64 bytes = std::min(size, headBytes);
+    const File &a = files[static_cast<std::size_t>(first)];
+    if (a.start != files[static_cast<std::size_t>(second)].start) {
+        return false;
+    }
+    const qint64 bytes = std::min(a.size, headBytes);
     if (std::memcmp(headOf(first), headOf(second), static_cast<std::size_t>(bytes)) != 0) {
         return false;
     }
-    return bytes == size || compareWhole(first, second);
+    return bytes == a.size || compareWhole(first, second);
 }
 
 bool BucketJudge::compareWhole(int first, int second)

@@ -3,6 +3,7 @@
 
 #include <QStringList>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -36,13 +37,14 @@ public:
      * ones.
      */
     bool areEqual(int first, int second);
-    /** Whether a file has been opened since the last call; true at the first. */
+    /** Whether the file system has been asked since the last call; true at the first. */
     bool takeHasRead() { return std::exchange(hasRead, false); }
     /** Bytes of the file at the index, looked up once. */
     qint64 sizeOf(int index);
 
 private:
     struct File {
+        std::array<char, 16> start = {}; // of its head, where most files differ
         qint64 size = 0; // when its head was read
         qint64 countedSize = -1;
         int likeness = -1; // the first file of the bucket that is proven equal to it
@@ -50,7 +52,6 @@ private:
         bool isReadable = false;
     };
 
-    File &knownFile(int index);
     void readHead(int index);
     char *headOf(int index) const;
     bool compareWhole(int first, int second);

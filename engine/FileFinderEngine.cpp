@@ -26,7 +26,8 @@ Q_CORE_EXPORT uint qGlobalPostedEventsCount();
 namespace
 {
 constexpr qint64 maxNanosecondsBetweenEventPasses = 500 * 1000;
-constexpr int maxPairsBetweenClocks = 64;
+// Of pairs that are judged from memory: so many are over in a microsecond.
+constexpr int maxPairsBetweenEventPasses = 64;
 
 bool isLeaving()
 {
@@ -299,7 +300,11 @@ bool FileFinderEngine::confirmBucket(const Bucket &bucket)
     // No pair is left out: each one adds to the sum of the sizes, also when both files are placed.
     for (int j = 0; j < count - 1; ++j) {
         for (int k = j + 1; k < count; ++k) {
-            processPendingEventsOfPair(judge.takeHasRead());
+            --pairsToEventPass;
+            if (pairsToEventPass <= 0 || judge.takeHasRead()) {
+                pairsToEventPass = maxPairsBetweenEventPasses;
+                processPendingEvents();
+            }
             if (stopRequested) {
                 return false;
             }
@@ -335,6 +340,8 @@ void FileFinderEngine::placePair(const Bucket &bucket,
     }
     paths.append(bucket.paths.at(second));
     emit countingFindFilesDuplicated(bucket.index, countFoundedDuplicated, summFileSize);
+    // Who hears of the pair may have posted a stop.
+    pairsToEventPass = 0;
 }
 
 void FileFinderEngine::startFindDuplicatedFilesAdvanced()
@@ -438,16 +445,5 @@ void FileFinderEngine::processPendingEvents()
     lastEventPass.start();
     if (isLeaving()) {
         stopRequested = true;
-    }
-}
-
-// A pair that is judged from memory takes less than a look at the clock. So many of them are still
-// over in some microseconds.
-void FileFinderEngine::processPendingEventsOfPair(bool hasReadBefore)
-{
-    --pairsToClock;
-    if (pairsToClock <= 0 || hasReadBefore || qGlobalPostedEventsCount() != 0) {
-        pairsToClock = maxPairsBetweenClocks;
-        processPendingEvents();
     }
 }

@@ -118,7 +118,6 @@ private:
     void addToSum(qint64 bytes);
     void resetCounters();
     void processPendingEvents();
-    void processPendingEventsOfPair(bool hasReadBefore);
 
     Model *model;
     Controller *controller;
@@ -126,7 +125,7 @@ private:
     bool isScanning = false;
     bool isRestartRequested = false;
     QElapsedTimer lastEventPass;
-    int pairsToClock = 0;
+    int pairsToEventPass = 0;
     QStringList allFiles;
     QHash<QString, QStringList> duplicatedGroups;
     int countFoundedDuplicated = 0;

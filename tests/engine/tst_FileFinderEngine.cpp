@@ -48,6 +48,7 @@ private slots:
     void stopBeforeGrouping();
     void stopDuringFirstPass();
     void stopBetweenPairs();
+    void stopBetweenPairsInMemory();
     void stopDuringAdvanced();
     void stopAtEverySignal_data();
     void stopAtEverySignal();
@@ -608,6 +609,26 @@ void tst_FileFinderEngine::stopBetweenPairs()
                           groupingFinished(1)}));
     QCOMPARE(rig->groups(), QList<QStringList>{files.mid(0, 3)});
     QCOMPARE(rig->engine()->groupedFilesSize(), 15);
+}
+
+void tst_FileFinderEngine::stopBetweenPairsInMemory()
+{
+    // Also when no pair needs a file to be read, as all have been read for the pairs of the first.
+    file("0", "other");
+    QStringList files;
+    for (const char *name : {"a", "b", "c", "d"}) {
+        files.append(file(name, "same!"));
+    }
+    rig->stopAtSignal(5); // the first pair
+    QCOMPARE(rig->scan({tree->root()}),
+             QStringList({started,
+                          counted(5, tree->root()),
+                          finished,
+                          groupingStarted,
+                          grouped(0, 2, 10),
+                          groupingFinished(1)}));
+    QCOMPARE(rig->groups(), QList<QStringList>{files.mid(0, 2)});
+    QCOMPARE(rig->engine()->groupedFilesSize(), 10);
 }
 
 void tst_FileFinderEngine::stopDuringAdvanced()
