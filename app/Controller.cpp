@@ -15,7 +15,7 @@
 
 namespace
 {
-constexpr qint64 maxAnswerBytes = 64 * 1024;
+constexpr qint64 maxAnswerBytes = qint64(64) * 1024;
 constexpr int maxAnswerMilliseconds = 30000;
 } // namespace
 

@@ -10,8 +10,8 @@
 
 namespace
 {
-constexpr qint64 maxHeadBytes = 4 * 1024;
-constexpr qint64 maxBytesInMemory = 64 * 1024 * 1024;
+constexpr qint64 maxHeadBytes = qint64(4) * 1024;
+constexpr qint64 maxBytesInMemory = qint64(64) * 1024 * 1024;
 } // namespace
 
 BucketJudge::BucketJudge(const QStringList &bucket, KeyOf keyOf)

@@ -25,7 +25,7 @@ Q_CORE_EXPORT uint qGlobalPostedEventsCount();
 
 namespace
 {
-constexpr qint64 maxNanosecondsBetweenEventPasses = 500 * 1000;
+constexpr qint64 maxNanosecondsBetweenEventPasses = qint64(500) * 1000;
 
 bool isLeaving()
 {
