@@ -15,7 +15,7 @@
 
 namespace
 {
-constexpr qint64 maxAnswerBytes = 64 * 1024;
+constexpr qint64 maxAnswerBytes = qint64(64) * 1024;
 constexpr int maxAnswerMilliseconds = 30000;
 } // namespace
 
@@ -26,9 +26,7 @@ Controller::Controller(Model *eventModel, QObject *parent)
     , updateFileUrl(QString::fromLatin1(Product::updateFile))
 {
     connect(networkManager,
-            SIGNAL(finished(QNetworkReply *)),
-            this,
-            SLOT(onReplyFinished(QNetworkReply *)));
+            SIGNAL(finished(QNetworkReply *)), this, SLOT(onReplyFinished(QNetworkReply *)));
 }
 
 void Controller::checkUpdate()

@@ -81,9 +81,7 @@ MainWindow::MainWindow(QWidget *parent)
     installPalette();
     model = new Model(this);
     connect(model,
-            SIGNAL(modelEvent(const ModelEvent *)),
-            this,
-            SLOT(onModelEvent(const ModelEvent *)));
+            SIGNAL(modelEvent(const ModelEvent *)), this, SLOT(onModelEvent(const ModelEvent *)));
     controller = new Controller(model, nullptr);
     keep(controller);
 

@@ -10,8 +10,8 @@
 
 namespace
 {
-constexpr qint64 maxHeadBytes = 4 * 1024;
-constexpr qint64 maxBytesInMemory = 64 * qint64(1024) * 1024;
+constexpr qint64 maxHeadBytes = qint64(4) * 1024;
+constexpr qint64 maxBytesInMemory = qint64(64) * 1024 * 1024;
 // Heads whose addresses are a power of two apart would share a few lines of the processor's cache.
 constexpr qint64 bytesBetweenHeads = 64;
 } // namespace

@@ -3,6 +3,6 @@
 
 Configuration *Configuration::instance()
 {
-    static Configuration *const configuration = new Configuration;
+    static auto *const configuration = new Configuration;
     return configuration;
 }

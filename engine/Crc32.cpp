@@ -12,7 +12,7 @@
 namespace
 {
 constexpr quint32 startValue = 0xFFFFFFFF;
-constexpr qint64 blockBytes = 64 * 1024;
+constexpr qint64 blockBytes = qint64(64) * 1024;
 constexpr std::size_t sliceCount = 8;
 
 using Table = std::array<quint32, 256>;
@@ -53,6 +53,8 @@ Crc32::Crc32()
 {
 }
 
+// The name is taken by value, as callers have it.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 quint32 Crc32::calculateFromFile(QString fileName) const
 {
     RegularFile file;
@@ -100,7 +102,7 @@ quint32 Crc32::advance(quint32 crc, const char *data, qint64 bytes) const
 {
     for (; bytes >= 8; bytes -= 8, data += 8) {
         const quint32 low = crc ^ qFromLittleEndian<quint32>(data);
-        const quint32 high = qFromLittleEndian<quint32>(data + 4);
+        const auto high = qFromLittleEndian<quint32>(data + 4);
         crc = slices[7][low & 0xFF] ^ slices[6][(low >> 8) & 0xFF] ^ slices[5][(low >> 16) & 0xFF]
             ^ slices[4][low >> 24] ^ slices[3][high & 0xFF] ^ slices[2][(high >> 8) & 0xFF]
             ^ slices[1][(high >> 16) & 0xFF] ^ slices[0][high >> 24];

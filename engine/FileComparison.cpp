@@ -15,8 +15,8 @@ using FileComparison::Verdict;
 
 constexpr qint64 stepBytes = 256;
 // The first block is small, so that an early difference costs little.
-constexpr qint64 firstBlockBytes = 4 * 1024;
-constexpr qint64 maxBlockBytes = 128 * 1024;
+constexpr qint64 firstBlockBytes = qint64(4) * 1024;
+constexpr qint64 maxBlockBytes = qint64(128) * 1024;
 
 struct Side {
     QString path;

@@ -25,7 +25,7 @@ Q_CORE_EXPORT uint qGlobalPostedEventsCount();
 
 namespace
 {
-constexpr qint64 maxNanosecondsBetweenEventPasses = 500 * 1000;
+constexpr qint64 maxNanosecondsBetweenEventPasses = qint64(500) * 1000;
 // Of pairs that are judged from memory: so many are over in a microsecond.
 constexpr int maxPairsBetweenEventPasses = 64;
 

@@ -14,8 +14,8 @@
 
 namespace
 {
-constexpr qint64 minBlockBytes = 4 * 1024;
-constexpr qint64 maxBlockBytes = 128 * 1024;
+constexpr qint64 minBlockBytes = qint64(4) * 1024;
+constexpr qint64 maxBlockBytes = qint64(128) * 1024;
 
 QDateTime creationTime(const QFileInfo &info)
 {
@@ -55,7 +55,7 @@ QString FileKey::ofHash(const QString &path, QCryptographicHash::Algorithm algor
 {
     RegularFile file;
     if (!file.open(path)) {
-        return QString();
+        return {};
     }
     const qint64 bufferBytes = std::clamp(file.size() + 1, minBlockBytes, maxBlockBytes);
     const std::unique_ptr<char[]> buffer(new char[static_cast<std::size_t>(bufferBytes)]);
@@ -65,7 +65,7 @@ QString FileKey::ofHash(const QString &path, QCryptographicHash::Algorithm algor
     while (bytes == bufferBytes) {
         bytes = file.read(buffer.get(), bufferBytes);
         if (bytes < 0 || QThread::currentThread()->isInterruptionRequested()) {
-            return QString();
+            return {};
         }
         hash.addData(buffer.get(), static_cast<int>(bytes));
         done += bytes;

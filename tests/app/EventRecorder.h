@@ -14,10 +14,9 @@ class EventRecorder final : public QObject
 public:
     explicit EventRecorder(QObject *model)
     {
-        connect(model,
-                SIGNAL(modelEvent(const ModelEvent *)),
-                this,
-                SLOT(onModelEvent(const ModelEvent *)));
+        connect(
+            model,
+            SIGNAL(modelEvent(const ModelEvent *)), this, SLOT(onModelEvent(const ModelEvent *)));
     }
 
     QStringList events;

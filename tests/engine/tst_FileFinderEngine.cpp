@@ -843,14 +843,12 @@ void tst_FileFinderEngine::controllerIsConnected()
     // A second one is refused as a duplicate: the connection is the plain automatic one.
     QVERIFY(!connect(&engine,
                      SIGNAL(findAllFilesStarted()),
-                     &controller,
-                     SLOT(onFindAllFilesStarted()),
-                     Qt::UniqueConnection));
+                            &controller,
+                            SLOT(onFindAllFilesStarted()), Qt::UniqueConnection));
     QVERIFY(connect(&engine,
                     SIGNAL(addedDuplicatedPath(QString)),
-                    &controller,
-                    SLOT(addedDuplicatedPath(QString)),
-                    Qt::UniqueConnection));
+                           &controller,
+                           SLOT(addedDuplicatedPath(QString)), Qt::UniqueConnection));
 }
 
 void tst_FileFinderEngine::noModelAndNoController()

@@ -215,7 +215,7 @@ void tst_Grouping::wrappedSum()
 {
     // The sum has 32 bits: above 2,147,483,647 it goes on with negative values.
     QFETCH(bool, isAdvanced);
-    const qint64 bytes = 800 * 1024 * 1024;
+    const qint64 bytes = qint64(800) * 1024 * 1024;
     for (const char *name : {"a", "b", "c"}) {
         tree->sparseFile(QLatin1String(name), bytes);
     }

@@ -22,8 +22,8 @@ class MainWindow;
 class Tour final
 {
 public:
-    /** With deleting false the tour ends before anything is deleted. */
-    Tour(MainWindow *window, const QString &folder, const QString &output, bool deleting);
+    /** With mayDelete false the tour ends before anything is deleted. */
+    Tour(MainWindow *mainWindow, const QString &toured, const QString &place, bool mayDelete);
 
     /** True when every step has been done. */
     bool play();

@@ -19,7 +19,7 @@ class ClickableLabel final : public QWidget
     Q_DISABLE_COPY(ClickableLabel)
 
 public:
-    explicit ClickableLabel(const QString &text, QWidget *parent = nullptr);
+    explicit ClickableLabel(const QString &caption, QWidget *parent = nullptr);
 
     /** Each of these also fits the minimum size to what is shown. */
     void setText(const QString &newText);

@@ -61,9 +61,7 @@ ProgressWidget::ProgressWidget(Model *eventHub, QWidget *parent)
     layout->addStretch();
 
     connect(model,
-            SIGNAL(modelEvent(const ModelEvent*)),
-            this,
-            SLOT(onModelEvent(const ModelEvent*)));
+            SIGNAL(modelEvent(const ModelEvent*)), this, SLOT(onModelEvent(const ModelEvent*)));
 }
 
 void ProgressWidget::updateAnalyzeCount(int count, const QString &folder)

@@ -52,9 +52,7 @@ WidgetAnalyzeWaiting::WidgetAnalyzeWaiting(Model *eventHub, MainWindow *window)
         createButton(QStringLiteral("Stop Searching"), QStringLiteral(":/content/stop.png"));
     createLayout();
     connect(model,
-            SIGNAL(modelEvent(const ModelEvent*)),
-            this,
-            SLOT(onModelEvent(const ModelEvent*)));
+            SIGNAL(modelEvent(const ModelEvent*)), this, SLOT(onModelEvent(const ModelEvent*)));
 }
 
 void WidgetAnalyzeWaiting::toDefaults()

@@ -85,9 +85,7 @@ DuplicatedFilesListWidget::DuplicatedFilesListWidget(Model *eventHub, MainWindow
     layout->addWidget(tableView);
     layout->addLayout(createNavigationRow());
     connect(model,
-            SIGNAL(modelEvent(const ModelEvent*)),
-            this,
-            SLOT(onModelEvent(const ModelEvent*)));
+            SIGNAL(modelEvent(const ModelEvent*)), this, SLOT(onModelEvent(const ModelEvent*)));
 }
 
 void DuplicatedFilesListWidget::deleteSelectedFiles()
@@ -312,8 +310,8 @@ void DuplicatedFilesListWidget::createTable()
     tableView->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(tableView,
             SIGNAL(customContextMenuRequested(QPoint)),
-            this,
-            SLOT(onCustomContextMenuRequested(QPoint)));
+                   this,
+                   SLOT(onCustomContextMenuRequested(QPoint)));
     tableView->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     tableView->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     connect(tableView, SIGNAL(clicked(QModelIndex)), this, SLOT(onModelIndexClicked(QModelIndex)));

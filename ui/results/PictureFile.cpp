@@ -7,7 +7,7 @@
 namespace
 {
 constexpr qint64 maxPixels = 256'000'000;
-constexpr qint64 maxBytesInMemory = 64 * qint64(1024) * 1024;
+constexpr qint64 maxBytesInMemory = qint64(64) * 1024 * 1024;
 // The painter's own limit.
 constexpr int maxSidePixels = 32767;
 constexpr int gifCanvasOffset = 6;

@@ -59,6 +59,8 @@ QRect inked(const QImage &image, const QRect &part)
 
 // A label in a white window, with room around it for the mouse.
 struct Shown {
+    Q_DISABLE_COPY(Shown)
+
     explicit Shown(const QString &text)
         : label(new ClickableLabel(text, &window))
     {

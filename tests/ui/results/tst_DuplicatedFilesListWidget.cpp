@@ -2,13 +2,13 @@
 #include "app/ModelEvent.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
+#include "tests/support/UrlCatcher.h"
 #include "tests/ui/results/ResultsPage.h"
 #include "ui/progress/ClickableLabel.h"
 #include "ui/results/DuplicatedFilesTableModel.h"
 
 #include <QApplication>
 #include <QCursor>
-#include <QDesktopServices>
 #include <QHeaderView>
 #include <QMenu>
 #include <QPointer>
@@ -80,12 +80,6 @@ private slots:
     void menuTicksAndUnticksAll();
     void opensTheFileOrItsFolder();
     void ignoresAMenuWhoseRowHasGone();
-
-public slots:
-    void rememberUrl(const QUrl &url) { opened.append(url); }
-
-private:
-    QList<QUrl> opened;
 };
 
 void tst_DuplicatedFilesListWidget::hasItsButtonsAroundTheTable()
@@ -556,12 +550,11 @@ void tst_DuplicatedFilesListWidget::opensTheFileOrItsFolder()
     ResultsPage results;
     const QString file = tree.file(QStringLiteral("folder/a#b.txt"));
     results.scanned({{file}});
-    QDesktopServices::setUrlHandler(QString(), this, "rememberUrl");
-    opened.clear();
+    const UrlCatcher catcher(QStringList{QString()});
     results.clickCell(0, 2);
     results.choose(QStringLiteral("Open File"));
     results.choose(QStringLiteral("Open File Location"));
-    QDesktopServices::unsetUrlHandler(QString());
+    const QList<QUrl> opened = catcher.urls();
     QCOMPARE(opened, QList<QUrl>({QUrl(file), QUrl(tree.path(QStringLiteral("folder")))}));
     QCOMPARE(opened.first().fragment(), QStringLiteral("b.txt"));
     QVERIFY(opened.first().scheme().isEmpty());
