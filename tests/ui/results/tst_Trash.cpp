@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/RestrictedRights.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
-#include "tests/ui/results/RestrictedRights.h"
 #include "ui/results/Trash.h"
 
 #include <QDateTime>
