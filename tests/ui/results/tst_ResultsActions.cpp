@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/RestrictedRights.h"
+#include "tests/support/SmallFiles.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
 #include "tests/ui/results/ResultsPage.h"
@@ -14,10 +15,6 @@
 #include <QScopeGuard>
 #include <QTableView>
 #include <QTextCodec>
-
-#include <csignal>
-
-#include <sys/resource.h>
 
 namespace
 {
@@ -44,30 +41,6 @@ public:
 private:
     QMap<QWidget *, QEvent::Type> watchedTypes;
     QList<QEvent::Type> seen;
-};
-
-/** While it lives, no file of this process grows beyond a number of bytes. */
-class SmallFiles final
-{
-    Q_DISABLE_COPY(SmallFiles)
-
-public:
-    explicit SmallFiles(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit small = {bytes, before.rlim_max};
-        handler = std::signal(SIGXFSZ, SIG_IGN);
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallFiles()
-    {
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, handler);
-    }
-
-private:
-    rlimit before = {};
-    void (*handler)(int) = nullptr;
 };
 } // namespace
 
