@@ -45,6 +45,7 @@ private slots:
     void boundsOfReading();
     void hugeFileIsReadWithinBounds_data();
     void hugeFileIsReadWithinBounds();
+    void endlessLineIsReadWithinBounds();
     void whatIsNoRegularFileCannotBeOpened_data();
     void whatIsNoRegularFileCannotBeOpened();
     void unreadableFileCannotBeOpened();
@@ -180,6 +181,21 @@ void tst_MaskFile::hugeFileIsReadWithinBounds()
     QVERIFY(timer.elapsed() < 1000);
     QCOMPARE(entries.value().first(), firstEntry);
     QVERIFY(entries->size() <= 2);
+}
+
+void tst_MaskFile::endlessLineIsReadWithinBounds()
+{
+    // A file of 100 MB that is one line without an end gives one entry, as long as a line may be.
+    QFile file(path(fileName()));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    const QByteArray block(1 << 20, 'x');
+    for (int i = 0; i < 100; ++i) {
+        QCOMPARE(file.write(block), block.size());
+    }
+    file.close();
+    const auto entries = MaskFile::read(path(fileName()));
+    QCOMPARE(entries->size(), 1);
+    QCOMPARE(entries->first(), QString(MaskFile::maxLineBytes, QLatin1Char('x')));
 }
 
 void tst_MaskFile::whatIsNoRegularFileCannotBeOpened_data()
