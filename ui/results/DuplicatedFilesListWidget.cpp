@@ -72,6 +72,36 @@ bool canHoldList(const QString &path)
     const QFileInfo file(path);
     return !file.exists() || file.isFile();
 }
+
+// For a file in a folder that takes no new one. What it held is put back if there is no room for all
+// of the list; until then it is not cut, so its own room stays its own.
+bool writeInPlace(const QString &path, const QByteArray &list)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
+        return false;
+    }
+    const qint64 oldSize = file.size();
+    const QByteArray old = file.read(list.size());
+    if (file.seek(0) && file.write(list) == list.size() && file.resize(list.size())) {
+        return true;
+    }
+    file.seek(0);
+    file.write(old);
+    file.resize(oldSize);
+    return false;
+}
+
+// The old list is whole until the new one is.
+bool writeList(const QString &path, const QByteArray &list)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return writeInPlace(path, list);
+    }
+    // A write that was cut short is no error to the toolkit.
+    return file.write(list) == list.size() && file.commit();
+}
 } // namespace
 
 DuplicatedFilesListWidget::DuplicatedFilesListWidget(Model *eventHub, MainWindow *window)
@@ -115,16 +145,11 @@ void DuplicatedFilesListWidget::saveList()
     if (path.isEmpty() || !canHoldList(path)) {
         return;
     }
-    QSaveFile file(path);
-    // A file in a folder that cannot be written can itself be.
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return;
-    }
+    QByteArray list;
     for (int row = 0; row < tableModel->rowCount(); ++row) {
-        file.write(lineOfRow(row).toLocal8Bit());
+        list.append(lineOfRow(row).toLocal8Bit());
     }
-    if (file.commit()) {
+    if (writeList(path, list)) {
         showBox(QMessageBox::Information,
                 QStringLiteral("File saved"),
                 QStringLiteral("File saving complete!"));
@@ -193,8 +218,8 @@ void DuplicatedFilesListWidget::onCustomContextMenuRequested(const QPoint &pos)
     const QModelIndex cell =
         tableModel->index(contextRow, DuplicatedFilesTableModel::FilepathColumn);
     auto *const menu = new QMenu(this);
-    connect(menu, SIGNAL(triggered(QAction*)), this, SLOT(onActionTriggered(QAction*)));
-    connect(menu, SIGNAL(triggered(QAction*)), menu, SLOT(deleteLater()));
+    connect(menu, SIGNAL(triggered(QAction *)), this, SLOT(onActionTriggered(QAction *)));
+    connect(menu, SIGNAL(triggered(QAction *)), menu, SLOT(deleteLater()));
     // A menu that is dismissed triggers nothing.
     connect(menu, SIGNAL(aboutToHide()), menu, SLOT(deleteLater()));
     if (QFileInfo::exists(cell.data().toString())) {

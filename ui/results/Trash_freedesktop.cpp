@@ -1,65 +1,180 @@
 // SPDX-License-Identifier: MIT
 #include "ui/results/Trash.h"
 
+#include <QByteArray>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
+#include <QStorageInfo>
+
+#include <cerrno>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// The toolkit's own way to the trash is not taken: it tries for ever where it cannot make a note (of
+// a long name, in a folder that is full or closed), and takes any folder for the trash, a link to
+// somewhere else included.
 
 namespace
 {
-QString infoFileOf(const QString &pathInTrash)
+constexpr mode_t ownerOnly = 0700;
+constexpr mode_t ownerReadsAndWrites = 0600;
+constexpr int maxNameBytes = 255;
+constexpr char noteEnding[] = ".trashinfo";
+
+/** Closes what it was opened with. */
+class Descriptor final
 {
-    const QFileInfo file(pathInTrash);
-    return QDir::cleanPath(file.path() % QStringLiteral("/../info/") % file.fileName()
-                           % QStringLiteral(".trashinfo"));
+    Q_DISABLE_COPY(Descriptor)
+
+public:
+    explicit Descriptor(int opened)
+        : descriptor(opened)
+    {
+    }
+    ~Descriptor()
+    {
+        if (isOpen()) {
+            ::close(descriptor);
+        }
+    }
+    int get() const { return descriptor; }
+    bool isOpen() const { return descriptor >= 0; }
+
+private:
+    int descriptor;
+};
+
+int openFolder(int parent, const QByteArray &name)
+{
+    return ::openat(parent, name.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
 }
 
-// The toolkit writes the path as it is, but its readers undo percent encoding, and take a line break
-// for the end of the path.
-bool writeOriginalPath(const QString &infoFile, const QString &path)
+// Makes it first where it is missing. What is a link or belongs to another user may lie anywhere,
+// and is not opened.
+int openOwnFolder(int parent, const QByteArray &name)
 {
-    QFile old(infoFile);
-    if (!old.open(QIODevice::ReadOnly)) {
-        return false;
+    ::mkdirat(parent, name.constData(), ownerOnly);
+    const int folder = openFolder(parent, name);
+    struct stat status = {};
+    if (folder >= 0 && (::fstat(folder, &status) != 0 || status.st_uid != ::geteuid())) {
+        ::close(folder);
+        return -1;
     }
-    const QByteArray info = old.readAll();
-    const int date = info.lastIndexOf("\nDeletionDate=");
-    QSaveFile file(infoFile);
-    if (date < 0 || !file.open(QIODevice::WriteOnly)) {
-        return false;
-    }
-    file.write("[Trash Info]\nPath=");
-    file.write(QFile::encodeName(path).toPercentEncoding("/"));
-    file.write(info.mid(date));
-    return file.commit();
+    return folder;
 }
 
-bool isRestorable(const QString &path, const QString &pathInTrash)
+// The trash that the administrator has made for all users goes before the user's own. Without the
+// sticky bit anybody could put another folder in its place.
+int openTrashOfVolume(const QString &topFolder)
 {
-    return QDir::isAbsolutePath(pathInTrash) && QFileInfo::exists(pathInTrash)
-        && !QFileInfo::exists(path) && writeOriginalPath(infoFileOf(pathInTrash), path);
+    const Descriptor top(openFolder(AT_FDCWD, QFile::encodeName(topFolder)));
+    const QByteArray user = QByteArray::number(::geteuid());
+    const Descriptor shared(openFolder(top.get(), ".Trash"));
+    struct stat status = {};
+    if (shared.isOpen() && ::fstat(shared.get(), &status) == 0 && (status.st_mode & S_ISVTX) != 0) {
+        const int trash = openOwnFolder(shared.get(), user);
+        if (trash >= 0) {
+            return trash;
+        }
+    }
+    return openOwnFolder(top.get(), ".Trash-" + user);
+}
+
+// Short enough for the name of its note, and cut between two letters.
+QByteArray nameInTrash(const QByteArray &name, int number)
+{
+    const QByteArray ending = number > 1 ? '-' + QByteArray::number(number) : QByteArray();
+    int bytes = qMin(name.size(), maxNameBytes - int(sizeof noteEnding - 1) - ending.size());
+    while (bytes < name.size() && (static_cast<uchar>(name.at(bytes)) & 0xc0U) == 0x80U) {
+        --bytes;
+    }
+    return name.left(bytes) + ending;
+}
+
+QByteArray noteOf(const QByteArray &path)
+{
+    return "[Trash Info]\nPath=" + path.toPercentEncoding("/") + "\nDeletionDate="
+        + QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-ddThh:mm:ss")).toLatin1()
+        + '\n';
+}
+
+// A note that exists keeps its name from every other file.
+bool writeNote(int folder, const QByteArray &name, const QByteArray &note)
+{
+    const int file = ::openat(folder,
+                              name.constData(),
+                              O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                              ownerReadsAndWrites);
+    if (file < 0) {
+        return false;
+    }
+    const ssize_t written = ::write(file, note.constData(), static_cast<size_t>(note.size()));
+    if (::close(file) == 0 && written == note.size()) {
+        return true;
+    }
+    ::unlinkat(folder, name.constData(), 0);
+    errno = ENOSPC;
+    return false;
+}
+
+// By renaming alone: nothing is copied, so nothing can be lost half way.
+bool moveInto(int trash, const QByteArray &path, const QByteArray &notedPath)
+{
+    const Descriptor files(openOwnFolder(trash, "files"));
+    const Descriptor notes(openOwnFolder(trash, "info"));
+    if (!files.isOpen() || !notes.isOpen()) {
+        return false;
+    }
+    for (int number = 1;; ++number) {
+        const QByteArray name = nameInTrash(path.mid(path.lastIndexOf('/') + 1), number);
+        const QByteArray note = name + noteEnding;
+        if (!writeNote(notes.get(), note, noteOf(notedPath))) {
+            if (errno == EEXIST) {
+                continue;
+            }
+            return false;
+        }
+        struct stat status = {};
+        const bool isTaken =
+            ::fstatat(files.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+        if (!isTaken
+            && ::renameat(AT_FDCWD, path.constData(), files.get(), name.constData()) == 0) {
+            return true;
+        }
+        ::unlinkat(notes.get(), note.constData(), 0);
+        if (!isTaken) {
+            return false;
+        }
+    }
 }
 } // namespace
 
 bool Trash::moveFile(const QString &path)
 {
-    const QString original = QFileInfo(path).absoluteFilePath();
-    // Without this folder the toolkit takes the working directory for the trash, and calls it done.
+    const QByteArray file = QFile::encodeName(QFileInfo(path).absoluteFilePath());
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    if (path.isEmpty() || !QDir().mkpath(data)) {
+    struct stat status = {};
+    if (::lstat(file.constData(), &status) != 0 || !QDir::isAbsolutePath(data)
+        || !QDir().mkpath(data)) {
         return false;
     }
-    QString pathInTrash;
-    if (!QFile::moveToTrash(original, &pathInTrash)) {
-        return false;
+    // Of the folder: a link may lead to another volume than the one it lies on.
+    const QString folder = QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath();
+    const QString topFolder = QStorageInfo(folder).rootPath();
+    if (topFolder == QStorageInfo(data).rootPath()) {
+        const Descriptor place(
+            ::open(QFile::encodeName(data).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        const Descriptor trash(openOwnFolder(place.get(), "Trash"));
+        return moveInto(trash.get(), file, file);
     }
-    if (isRestorable(original, pathInTrash)) {
-        return true;
-    }
-    if (QFile::rename(pathInTrash, original)) {
-        QFile::remove(infoFileOf(pathInTrash));
-    }
-    return false;
+    const Descriptor trash(openTrashOfVolume(topFolder));
+    // The note is relative to the volume, which may be mounted elsewhere the next time.
+    const QString moved = folder % QLatin1Char('/') % QFileInfo(path).fileName();
+    return moveInto(trash.get(), file, QFile::encodeName(QDir(topFolder).relativeFilePath(moved)));
 }

@@ -493,7 +493,7 @@ void tst_FileSystemTreeModel::systemFolders_data()
 
 void tst_FileSystemTreeModel::systemFolders()
 {
-    // The path holds a system path anyfolder, or is the beginning of one; case counts.
+    // The path holds a system path anywhere, or is the beginning of one; case counts.
     QFETCH(QString, where);
     QTEST(FileSystemTreeModel::touchesSystemFolder(where), "touches");
 }

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/RestrictedRights.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
-#include "tests/ui/results/RestrictedRights.h"
 #include "ui/results/PictureFile.h"
 
+#include <QBuffer>
+#include <QFileInfo>
 #include <QPixmap>
 
 namespace
@@ -54,6 +56,47 @@ QImage gradient(const QSize &size)
     }
     return image;
 }
+
+// Headers that announce 65,535 by 65,535 pixels, with next to nothing behind them.
+QByteArray widestGif()
+{
+    QByteArray gif = hugeGif();
+    return gif.replace(6, 4, QByteArray::fromHex("ffffffff"));
+}
+
+QByteArray widestPng()
+{
+    return QByteArray::fromHex("89504e470d0a1a0a"
+                               "0000000d"
+                               "49484452"
+                               "0000ffff"
+                               "0000ffff"
+                               "0802000000"
+                               "39674e07"
+                               "00001000"
+                               "49444154")
+        + QByteArray(32, '\0');
+}
+
+QByteArray widestBitmap()
+{
+    return QByteArray::fromHex("424d"
+                               "760000000000000036000000"
+                               "28000000"
+                               "ffff0000"
+                               "ffff0000"
+                               "01001800")
+        + QByteArray(88, '\0');
+}
+
+QByteArray jpegOf(int side)
+{
+    QByteArray jpeg;
+    QBuffer buffer(&jpeg);
+    gradient(QSize(16, 16)).save(&buffer, "JPEG");
+    const int frame = jpeg.indexOf(QByteArray::fromHex("ffc0"));
+    return jpeg.replace(frame + 5, 4, bigEndian(static_cast<quint32>(side)).right(2).repeated(2));
+}
 } // namespace
 
 class tst_PictureFile final : public TestCase
@@ -72,6 +115,8 @@ private slots:
     void takesNoNameForARatio();
     void scalesAsTheToolkitDoes();
     void decodesAtReducedSize();
+    void decodesALongJpegFromItsFile();
+    void survivesATornJpeg();
     void enlargesASmallPicture();
     void hasNoSizeTooWideToPaint();
 };
@@ -109,6 +154,12 @@ void tst_PictureFile::hasNoPictureIn_data()
     QTest::newRow("an empty file") << QByteArray();
     QTest::newRow("a text") << QByteArray("no picture at all");
     QTest::newRow("a head of more than 256 megapixels") << QByteArray("P4\n16001 16000\n");
+    QTest::newRow("a PNG of 65,535 by 65,535") << widestPng();
+    QTest::newRow("a BMP of 65,535 by 65,535") << widestBitmap();
+    QTest::newRow("a GIF of 65,535 by 65,535") << widestGif();
+    QTest::newRow("a JPEG of 65,535 by 65,535") << jpegOf(65535);
+    // The decoder of JPEG itself takes no longer side.
+    QTest::newRow("a JPEG of 65,500 by 65,500") << jpegOf(65500);
     QTest::newRow("a huge canvas around a small picture") << hugeGif();
     QTest::newRow("the head of such a canvas alone") << hugeGif().left(9);
     QTest::newRow("a huge picture in a small icon") << hugeIcon();
@@ -119,6 +170,8 @@ void tst_PictureFile::hasNoPictureIn()
 {
     // What is no picture, or announces too large a one, has no size and reads as null.
     QFETCH(QByteArray, content);
+    allowMessages(
+        QRegularExpression(QStringLiteral("^Maximum supported image dimension is 65500")));
     const QString name = TempTree(path(QString())).file(QStringLiteral("x.png"), content);
     PictureFile file(name);
     QVERIFY(!file.size().isValid());
@@ -208,6 +261,35 @@ void tst_PictureFile::decodesAtReducedSize()
         QVERIFY(qAbs(seen.green() - wanted.green()) < 8);
         QVERIFY(qAbs(seen.blue() - wanted.blue()) < 8);
     }
+}
+
+void tst_PictureFile::decodesALongJpegFromItsFile()
+{
+    // A photo with more bytes than are taken into memory has the same icon as a short one.
+    const QString name = path(QStringLiteral("long.jpg"));
+    QVERIFY(gradient(QSize(1600, 1200)).save(name, "JPEG", 95));
+    const QImage icon = PictureFile(name).readAtHeight(32);
+    QCOMPARE(icon.size(), QSize(43, 32));
+    for (const qint64 megabytes : {64, 65, 5000}) {
+        QVERIFY(QFile::resize(name, megabytes * 1024 * 1024));
+        QCOMPARE(PictureFile(name).readAtHeight(32), icon);
+    }
+}
+
+void tst_PictureFile::survivesATornJpeg()
+{
+    // Of a photo that ends too early the part that is there is shown; its head alone is none.
+    const QString name = path(QStringLiteral("torn.jpg"));
+    QVERIFY(gradient(QSize(1600, 1200)).save(name, "JPEG", 95));
+    QVERIFY(QFile::resize(name, QFileInfo(name).size() / 2));
+    allowMessages(QRegularExpression(
+        QStringLiteral("^(Corrupt JPEG data: premature end|JPEG datastream contains no image)")));
+    const QImage icon = PictureFile(name).readAtHeight(32);
+    QCOMPARE(icon.size(), QSize(43, 32));
+    const QColor corner = icon.pixelColor(0, 0);
+    QVERIFY(corner.red() < 16 && corner.green() < 16 && qAbs(corner.blue() - 128) < 16);
+    QVERIFY(QFile::resize(name, 100));
+    QVERIFY(PictureFile(name).readAtHeight(32).isNull());
 }
 
 void tst_PictureFile::enlargesASmallPicture()

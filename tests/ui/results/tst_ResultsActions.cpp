@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/RestrictedRights.h"
+#include "tests/support/SmallFiles.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
-#include "tests/ui/results/RestrictedRights.h"
 #include "tests/ui/results/ResultsPage.h"
 #include "ui/progress/ClickableLabel.h"
 #include "ui/results/DuplicatedFilesTableModel.h"
@@ -14,10 +15,6 @@
 #include <QScopeGuard>
 #include <QTableView>
 #include <QTextCodec>
-
-#include <csignal>
-
-#include <sys/resource.h>
 
 namespace
 {
@@ -44,30 +41,6 @@ public:
 private:
     QMap<QWidget *, QEvent::Type> watchedTypes;
     QList<QEvent::Type> seen;
-};
-
-/** While it lives, no file of this process grows beyond a number of bytes. */
-class SmallFiles final
-{
-    Q_DISABLE_COPY(SmallFiles)
-
-public:
-    explicit SmallFiles(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit small = {bytes, before.rlim_max};
-        handler = std::signal(SIGXFSZ, SIG_IGN);
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallFiles()
-    {
-        setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, handler);
-    }
-
-private:
-    rlimit before = {};
-    void (*handler)(int) = nullptr;
 };
 } // namespace
 
@@ -98,6 +71,8 @@ private slots:
     void replacesTheOldList();
     void writesAFileInAClosedFolder();
     void keepsTheOldListIfTheNewOneIsCutShort();
+    void keepsTheOldListInAClosedFolderIfTheNewOneIsCutShort();
+    void leavesAFolderAlone();
     void savesAnEmptyList();
 
 private:
@@ -132,6 +107,15 @@ private:
                 QTest::mouseClick(qobject_cast<QMessageBox *>(box)->button(QMessageBox::Yes),
                                   Qt::LeftButton);
             });
+    }
+    // Its list has more than 20,000 bytes.
+    static QStringList longGroup()
+    {
+        QStringList group;
+        for (int i = 0; i < 2000; ++i) {
+            group.append(QStringLiteral("/some/long/path/to/a/file/number/%1").arg(i));
+        }
+        return group;
     }
     void save(ResultsPage *results, const QString &file, bool isSaved)
     {
@@ -475,11 +459,7 @@ void tst_ResultsActions::keepsTheOldListIfTheNewOneIsCutShort()
 {
     // A list for which there is no room is not called saved, and the old one is still whole.
     ResultsPage results;
-    QStringList group;
-    for (int i = 0; i < 2000; ++i) {
-        group.append(QStringLiteral("/some/long/path/to/a/file/number/%1").arg(i));
-    }
-    results.scanned({group});
+    results.scanned({longGroup()});
     const TempTree tree(path(QString()));
     const QString file = tree.file(QStringLiteral("list.txt"), "old");
     expectOverwriting(&results, file);
@@ -490,6 +470,54 @@ void tst_ResultsActions::keepsTheOldListIfTheNewOneIsCutShort()
     QCOMPARE(results.boxes.failures(), QStringList());
     QCOMPARE(TempTree::read(file), QByteArray("old"));
     QCOMPARE(QDir(tree.root()).entryList(QDir::Files), QStringList(QStringLiteral("list.txt")));
+}
+
+void tst_ResultsActions::keepsTheOldListInAClosedFolderIfTheNewOneIsCutShort()
+{
+    // Also where the old list must be written over it is whole after a new one without room.
+    const TempTree tree(path(QString()));
+    for (const int oldBytes : {100, 19000}) {
+        const QByteArray old(oldBytes, 'x');
+        const QString file = tree.file(QStringLiteral("closed/list.txt"), old);
+        tree.setMode(QStringLiteral("closed"), 0555);
+        const auto writable = qScopeGuard([&] { tree.setMode(QStringLiteral("closed"), 0755); });
+        const RestrictedRights rights;
+        ResultsPage results;
+        results.scanned({longGroup()});
+        expectOverwriting(&results, file);
+        {
+            const SmallFiles limit(20000);
+            results.press(QStringLiteral("Save List"));
+        }
+        QCOMPARE(results.boxes.failures(), QStringList());
+        QCOMPARE(TempTree::read(file), old);
+    }
+}
+
+void tst_ResultsActions::leavesAFolderAlone()
+{
+    // A folder that has come to the place of the list by then stays one, and nothing is called saved.
+    ResultsPage results;
+    results.scanned({{QStringLiteral("/a")}});
+    const TempTree tree(path(QString()));
+    const QString place = tree.path(QStringLiteral("list.txt"));
+    results.boxes.expect(
+        QStringLiteral("Save File"),
+        [](QWidget *widget) {
+            return qobject_cast<QFileDialog *>(widget) != nullptr ? QString()
+                                                                  : QStringLiteral("no dialog");
+        },
+        [&](QWidget *widget) {
+            auto *const edit = widget->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+            edit->setText(place);
+            QTest::keyClick(edit, Qt::Key_Return);
+            tree.file(QStringLiteral("list.txt/inside"), "content");
+        });
+    results.press(QStringLiteral("Save List"));
+    QCOMPARE(results.boxes.failures(), QStringList());
+    QCOMPARE(TempTree::read(place + QStringLiteral("/inside")), QByteArray("content"));
+    QCOMPARE(QDir(tree.root()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             QStringList(QStringLiteral("list.txt")));
 }
 
 void tst_ResultsActions::savesAnEmptyList()

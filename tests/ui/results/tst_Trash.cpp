@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/RestrictedRights.h"
+#include "tests/support/SmallFiles.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
-#include "tests/ui/results/RestrictedRights.h"
 #include "ui/results/Trash.h"
 
 #include <QDateTime>
@@ -20,12 +21,23 @@ private slots:
     void movesAFile_data();
     void movesAFile();
     void keepsFilesOfOneNameApart();
+    void movesANameOfAnyLength_data();
+    void movesANameOfAnyLength();
+    void movesALinkNotItsTarget_data();
     void movesALinkNotItsTarget();
+    void movesAFolderWhole();
     void makesTheDataFolder();
     void failsWithoutADataFolder();
-    void putsBackWhatLandsElsewhere();
+    void failsWithADataFolderOfTheWorkingFolder();
     void failsForAFileThatHasGone();
     void failsInAFolderThatCannotBeWritten();
+    void failsWithoutRoomForTheNote();
+    void failsWhereTheTrashIsNone_data();
+    void failsWhereTheTrashIsNone();
+    void failsInTheTrashOfAnotherUser_data();
+    void failsInTheTrashOfAnotherUser();
+    void failsWhereTheTrashIsClosed_data();
+    void failsWhereTheTrashIsClosed();
     void movesToTheTrashOfAnotherVolume();
 
 private:
@@ -88,15 +100,79 @@ void tst_Trash::keepsFilesOfOneNameApart()
     QCOMPARE(contents, QStringList({QStringLiteral("first"), QStringLiteral("second")}));
 }
 
+void tst_Trash::movesANameOfAnyLength_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("with room for the note's ending") << QString(245, QLatin1Char('n'));
+    QTest::newRow("one byte more") << QString(246, QLatin1Char('n'));
+    QTest::newRow("as long as can be") << QString(255, QLatin1Char('n'));
+    QTest::newRow("of three bytes a letter") << QStringLiteral("\u20ac").repeated(85);
+}
+
+void tst_Trash::movesANameOfAnyLength()
+{
+    // Two files of one name are in the trash under names that are cut where they must be, between
+    // two letters; their notes tell the whole ones.
+    QFETCH(QString, name);
+    const TempTree tree(path(QString()));
+    for (const char *part : {"one", "two"}) {
+        const QString file = tree.file(QLatin1String(part) % QLatin1Char('/') % name, part);
+        QVERIFY(Trash::moveFile(file));
+        QVERIFY(!QFileInfo::exists(file));
+    }
+    QCOMPARE(inTrash(QStringLiteral("files")).size(), 2);
+    QCOMPARE(inTrash(QStringLiteral("info")).size(), 2);
+    for (const QString &moved : inTrash(QStringLiteral("files"))) {
+        const QByteArray content = TempTree::read(trash() + QStringLiteral("/files/") + moved);
+        const QByteArray whole =
+            QFile::encodeName(tree.root()) + '/' + content + '/' + QFile::encodeName(name);
+        QVERIFY(infoOf(moved).contains("\nPath=" + whole.toPercentEncoding("/") + '\n'));
+    }
+}
+
+void tst_Trash::movesALinkNotItsTarget_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::newRow("by its whole path") << QStringLiteral("%1/target");
+    QTest::newRow("beside the link") << QStringLiteral("target");
+    QTest::newRow("missing") << QStringLiteral("missing");
+    QTest::newRow("a folder") << QStringLiteral(".");
+    QTest::newRow("on another volume") << QStringLiteral("/dev/null");
+    QTest::newRow("the link itself") << QStringLiteral("link");
+}
+
 void tst_Trash::movesALinkNotItsTarget()
 {
-    // Of a link, the link goes and its target stays.
+    // Of a link, the link goes as it is, wherever it leads, and its target stays.
+    QFETCH(QString, target);
     const TempTree tree(path(QString()));
-    const QString target = tree.file(QStringLiteral("target"), "content");
+    const QString whole = tree.file(QStringLiteral("target"), "content");
+    if (target.contains(QLatin1Char('%'))) {
+        target = target.arg(tree.root());
+    }
     QVERIFY(Trash::moveFile(tree.link(QStringLiteral("link"), target)));
-    QVERIFY(QFileInfo::exists(target));
+    QCOMPARE(TempTree::read(whole), QByteArray("content"));
     QVERIFY(!QFileInfo(tree.path(QStringLiteral("link"))).isSymLink());
-    QVERIFY(QFileInfo(trash() + QStringLiteral("/files/link")).isSymLink());
+    QByteArray moved(1000, '\0');
+    const QByteArray link = QFile::encodeName(trash() + QStringLiteral("/files/link"));
+    moved.resize(static_cast<int>(
+        ::readlink(link.constData(), moved.data(), static_cast<size_t>(moved.size()))));
+    QCOMPARE(QFile::decodeName(moved), target);
+    QVERIFY(infoOf(QStringLiteral("link")).contains("Path="));
+}
+
+void tst_Trash::movesAFolderWhole()
+{
+    // A folder is in the trash with all that is in it.
+    const TempTree tree(path(QString()));
+    tree.file(QStringLiteral("folder/a/b.txt"), "content");
+    QVERIFY(Trash::moveFile(tree.path(QStringLiteral("folder"))));
+    QVERIFY(!QFileInfo::exists(tree.path(QStringLiteral("folder"))));
+    QCOMPARE(TempTree::read(trash() + QStringLiteral("/files/folder/a/b.txt")),
+             QByteArray("content"));
+    QVERIFY(
+        infoOf(QStringLiteral("folder"))
+            .contains("\nPath=" + QFile::encodeName(tree.path(QStringLiteral("folder"))) + '\n'));
 }
 
 void tst_Trash::makesTheDataFolder()
@@ -121,17 +197,15 @@ void tst_Trash::failsWithoutADataFolder()
              QStringList(QStringLiteral("a.txt")));
 }
 
-void tst_Trash::putsBackWhatLandsElsewhere()
+void tst_Trash::failsWithADataFolderOfTheWorkingFolder()
 {
-    // A file that the toolkit has put where no desktop looks for it is back in its place.
+    // No desktop looks for a trash there, so the file stays in its place.
     const TempTree tree(path(QString()));
     const QString file = tree.file(QStringLiteral("a.txt"), "content");
     qputenv("XDG_DATA_HOME", "data");
     QVERIFY(!Trash::moveFile(file));
     QCOMPARE(TempTree::read(file), QByteArray("content"));
-    const QDir places(tree.path(QStringLiteral("data/Trash")));
-    QVERIFY(QDir(places.filePath(QStringLiteral("files"))).isEmpty());
-    QVERIFY(QDir(places.filePath(QStringLiteral("info"))).isEmpty());
+    QVERIFY(!QFileInfo::exists(tree.path(QStringLiteral("data"))));
 }
 
 void tst_Trash::failsForAFileThatHasGone()
@@ -159,9 +233,105 @@ void tst_Trash::failsInAFolderThatCannotBeWritten()
     QCOMPARE(inTrash(QStringLiteral("info")), QStringList());
 }
 
+void tst_Trash::failsWithoutRoomForTheNote()
+{
+    // Where the note cannot be written in full the file stays, and no piece of a note is left.
+    const QString file = TempTree(path(QString())).file(QStringLiteral("a.txt"), "content");
+    {
+        const SmallFiles limit(20);
+        QVERIFY(!Trash::moveFile(file));
+    }
+    QCOMPARE(TempTree::read(file), QByteArray("content"));
+    QCOMPARE(inTrash(QStringLiteral("files")), QStringList());
+    QCOMPARE(inTrash(QStringLiteral("info")), QStringList());
+}
+
+void tst_Trash::failsWhereTheTrashIsNone_data()
+{
+    QTest::addColumn<QString>("place");
+    QTest::addColumn<bool>("isLink");
+    for (const char *place : {"Trash", "Trash/files", "Trash/info"}) {
+        QTest::addRow("%s is a link to somewhere else", place)
+            << QString::fromLatin1(place) << true;
+        QTest::addRow("%s is a file", place) << QString::fromLatin1(place) << false;
+    }
+}
+
+void tst_Trash::failsWhereTheTrashIsNone()
+{
+    // Nothing follows a link out of the trash, and nothing tries for ever: the file stays.
+    QFETCH(QString, place);
+    QFETCH(bool, isLink);
+    const TempTree tree(path(QString()));
+    const QString file = tree.file(QStringLiteral("a.txt"), "content");
+    const QString elsewhere = tree.folder(QStringLiteral("elsewhere"));
+    const TempTree data(home() + QStringLiteral("/.local/share"));
+    isLink ? data.link(place, elsewhere) : data.file(place);
+    QVERIFY(!Trash::moveFile(file));
+    QCOMPARE(TempTree::read(file), QByteArray("content"));
+    QVERIFY(QDir(elsewhere).isEmpty());
+    QCOMPARE(inTrash(QStringLiteral("info")).size(), 0);
+}
+
+void tst_Trash::failsInTheTrashOfAnotherUser_data()
+{
+    QTest::addColumn<QString>("place");
+    for (const char *place : {"Trash", "Trash/files", "Trash/info"}) {
+        QTest::newRow(place) << QString::fromLatin1(place);
+    }
+}
+
+void tst_Trash::failsInTheTrashOfAnotherUser()
+{
+    // A trash of which a part belongs to another user takes nothing, even if all may write there.
+    QFETCH(QString, place);
+    const TempTree tree(path(QString()));
+    const QString file = tree.file(QStringLiteral("a.txt"), "content");
+    const TempTree data(home() + QStringLiteral("/.local/share"));
+    const QByteArray other = QFile::encodeName(data.folder(place));
+    data.setMode(place, 0777);
+    if (::chown(other.constData(), ::geteuid() + 1, ::getegid()) != 0) {
+        QSKIP("only the super-user can make a folder of another user");
+    }
+    QVERIFY(!Trash::moveFile(file));
+    QCOMPARE(TempTree::read(file), QByteArray("content"));
+    QCOMPARE(inTrash(QStringLiteral("files")), QStringList());
+    QCOMPARE(inTrash(QStringLiteral("info")), QStringList());
+}
+
+void tst_Trash::failsWhereTheTrashIsClosed_data()
+{
+    QTest::addColumn<QString>("place");
+    for (const char *place : {"Trash", "Trash/files", "Trash/info"}) {
+        QTest::newRow(place) << QString::fromLatin1(place);
+    }
+}
+
+void tst_Trash::failsWhereTheTrashIsClosed()
+{
+    // A trash of which a part cannot be written takes nothing, and nothing tries for ever.
+    QFETCH(QString, place);
+    const QString file = TempTree(path(QString())).file(QStringLiteral("a.txt"), "content");
+    const TempTree data(home() + QStringLiteral("/.local/share"));
+    data.folder(place);
+    data.setMode(place, 0555);
+    const auto writable = qScopeGuard([&] { data.setMode(place, 0755); });
+    {
+        const RestrictedRights rights;
+        if (!rights.areRestricted()) {
+            QSKIP("the super-user writes every folder here");
+        }
+        QVERIFY(!Trash::moveFile(file));
+    }
+    QCOMPARE(TempTree::read(file), QByteArray("content"));
+    QCOMPARE(inTrash(QStringLiteral("files")), QStringList());
+    QCOMPARE(inTrash(QStringLiteral("info")), QStringList());
+}
+
 void tst_Trash::movesToTheTrashOfAnotherVolume()
 {
-    // A file on another volume than HOME is in that volume's own trash, with a note of its place.
+    // A file on another volume than HOME is in that volume's own trash; its note tells its place on
+    // the volume.
     const QString root = QStringLiteral("/dev/shm");
     const QStorageInfo volume(root);
     if (volume.rootPath() != root || volume.device() == QStorageInfo(home()).device()
@@ -184,7 +354,7 @@ void tst_Trash::movesToTheTrashOfAnotherVolume()
     QVERIFY(Trash::moveFile(file));
     QVERIFY(!QFileInfo::exists(file));
     QCOMPARE(TempTree::read(moved), QByteArray("content"));
-    QVERIFY(TempTree::read(note).contains("\nPath=" + QFile::encodeName(file) + "\n"));
+    QVERIFY(TempTree::read(note).contains("\nPath=" + QFile::encodeName(name) + "\n"));
 }
 
 TWINSIFT_TEST_MAIN(tst_Trash)
