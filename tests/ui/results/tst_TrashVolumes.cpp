@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
@@ -35,6 +36,14 @@ private:
 
 namespace
 {
+// No other process sees what is mounted from then on, and it goes with this one.
+bool hidesMounts()
+{
+    static const bool isHidden = ::unshare(CLONE_NEWNS) == 0
+        && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+    return isHidden;
+}
+
 /** A file system in memory, mounted on a new folder for as long as it lives. */
 class Volume final
 {
@@ -44,7 +53,7 @@ public:
     Volume(const QString &folder, const char *options)
         : tree(folder)
         , place(QFile::encodeName(folder))
-        , mounted(::mount("tmpfs", place.constData(), "tmpfs", 0, options) == 0)
+        , mounted(hidesMounts() && ::mount("tmpfs", place.constData(), "tmpfs", 0, options) == 0)
     {
     }
     ~Volume()
