@@ -236,6 +236,7 @@ void MainWindow::showAboutDialog()
     auto *const about = new AboutWidget(nullptr);
     about->setAttribute(Qt::WA_DeleteOnClose);
     about->setAttribute(Qt::WA_QuitOnClose, false);
+    connect(qApp, &QCoreApplication::aboutToQuit, about, &QObject::deleteLater);
     about->show();
 }
 

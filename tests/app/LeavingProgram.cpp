@@ -8,12 +8,11 @@
 #include "tests/support/TestCase.h"
 #include "tests/support/WindowDriver.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QPushButton>
-#include <QTableView>
 #include <QTimer>
 
 #include <cstdio>
@@ -213,15 +212,17 @@ private:
         }
     }
 
-    static void answer(QWidget *open)
+    void answer(QWidget *open) const
     {
-        for (QPushButton *const button : open->findChildren<QPushButton *>()) {
-            if (qobject_cast<QMessageBox *>(open) != nullptr && button->isDefault()) {
-                QTest::mouseClick(button, Qt::LeftButton);
-                return;
-            }
+        const auto *const box = qobject_cast<QMessageBox *>(open);
+        if (box == nullptr) {
+            QTest::keyClick(open, Qt::Key_Escape);
+            return;
         }
-        QTest::keyClick(open, Qt::Key_Escape);
+        const auto wanted = dialog.is("question of a stop") ? QMessageBox::Yes : QMessageBox::No;
+        QAbstractButton *const button = box->button(wanted);
+        QTest::mouseClick(button != nullptr ? button : box->button(QMessageBox::Ok),
+                          Qt::LeftButton);
     }
 
     MainWindow *window;

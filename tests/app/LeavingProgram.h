@@ -14,8 +14,8 @@ QStringList ways();
 
 /**
  * Dialogs that can be open beside a scan, or on the results of one. One that blocks the window is
- * answered first, by its default button or the escape key, and the window is left within the same
- * moment; the end of the session does not wait for an answer.
+ * answered first ("Yes" to the end of a scan, otherwise "No", "Ok" or the escape key), and the window
+ * is left within the same moment; the end of the session does not wait for an answer.
  */
 QStringList dialogs();
 /** Whether the dialog is one of the results, which come before it. */
