@@ -16,6 +16,12 @@ function(twinsift_add_test name)
     twinsift_register_test(${name} tst_${name} ${arg_TIMEOUT} "${arg_X11}" "${arg_ARGUMENTS}")
 endfunction()
 
+# The environment of every test that runs a program of ours, however it is registered.
+set(twinsift_test_environment
+    LC_ALL=C.UTF-8
+    LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/lsan.supp:print_suppressions=0
+    UBSAN_OPTIONS=print_stacktrace=1)
+
 function(twinsift_register_test name target timeout x11 arguments)
     if(x11)
         add_test(NAME ${name}
@@ -28,5 +34,6 @@ function(twinsift_register_test name target timeout x11 arguments)
     endif()
     set_tests_properties(${name} PROPERTIES
         TIMEOUT ${timeout}
-        ENVIRONMENT "${platform};LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/lsan.supp;UBSAN_OPTIONS=print_stacktrace=1")
+        ENVIRONMENT "${platform};${twinsift_test_environment}")
 endfunction()
+
