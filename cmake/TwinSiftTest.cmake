@@ -37,3 +37,28 @@ function(twinsift_register_test name target timeout x11 arguments)
         ENVIRONMENT "${platform};${twinsift_test_environment}")
 endfunction()
 
+# twinsift_add_memcheck(<Class> [functions ...])
+# Runs a test, or some of its functions, under valgrind once more, as Memcheck<Class>: a wrong access
+# to memory fails, and so does memory that nothing points to any more. Not beside the sanitizers, whose
+# memory it does not know.
+function(twinsift_add_memcheck name)
+    if(TWINSIFT_SANITIZE)
+        return()
+    endif()
+    find_program(VALGRIND valgrind)
+    if(NOT VALGRIND)
+        add_test(NAME Memcheck${name}
+            COMMAND ${CMAKE_COMMAND} -E echo "SKIP: valgrind is not installed")
+        set_tests_properties(Memcheck${name} PROPERTIES SKIP_REGULAR_EXPRESSION "^SKIP")
+        return()
+    endif()
+    add_test(NAME Memcheck${name}
+        COMMAND ${VALGRIND} --tool=memcheck -q --error-exitcode=99 --leak-check=full
+                --errors-for-leak-kinds=definite --gen-suppressions=no
+                --suppressions=${CMAKE_SOURCE_DIR}/cmake/valgrind.supp
+                $<TARGET_FILE:tst_${name}> ${ARGN})
+    # The compiled patterns of the regular expressions read beyond what they use.
+    set_tests_properties(Memcheck${name} PROPERTIES
+        TIMEOUT 900
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_ENABLE_REGEXP_JIT=0;${twinsift_test_environment}")
+endfunction()
