@@ -96,6 +96,7 @@ MainWindow::MainWindow(QWidget *parent)
     setCentralWidget(central);
     createStatusBar(layout);
     createMenu();
+    endWithTheLastWindow();
     controller->checkUpdate();
     startEngine();
     setFittingSize();
@@ -155,6 +156,18 @@ void MainWindow::createMenu()
     menu->addAction(QStringLiteral("Feedback"));
     menu->addSeparator();
     menu->addAction(QStringLiteral("Exit"));
+}
+
+// The toolkit posts its request to quit, and an event loop that begins throws posted ones away: a box
+// that opens in the same moment would leave the program running without a window.
+void MainWindow::endWithTheLastWindow()
+{
+    connect(qApp, &QGuiApplication::lastWindowClosed, this, [this] {
+        // Outside a loop there is nothing to end, and every later one would end at once.
+        if (thread()->loopLevel() > 0) {
+            QCoreApplication::exit(0);
+        }
+    });
 }
 
 void MainWindow::startEngine()
@@ -221,6 +234,7 @@ void MainWindow::showAboutDialog()
     auto *const about = new AboutWidget(nullptr);
     about->setAttribute(Qt::WA_DeleteOnClose);
     about->setAttribute(Qt::WA_QuitOnClose, false);
+    connect(qApp, &QCoreApplication::aboutToQuit, about, &QObject::deleteLater);
     about->show();
 }
 

@@ -57,6 +57,7 @@ private:
     void createPages();
     void createStatusBar(QVBoxLayout *layout);
     void createMenu();
+    void endWithTheLastWindow();
     void startEngine();
     void setFittingSize();
     void postToEngine(const char *slot);

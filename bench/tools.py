@@ -45,7 +45,8 @@ class Tools:
 def surroundings(home):
     """No screen, and a home that is empty each time."""
     os.makedirs(home, mode=0o700)
-    keep = {name: os.environ[name] for name in ("PATH", "LD_LIBRARY_PATH") if name in os.environ}
+    names = ("PATH", "LD_LIBRARY_PATH", "LSAN_OPTIONS", "UBSAN_OPTIONS")
+    keep = {name: os.environ[name] for name in names if name in os.environ}
     own = {"HOME": home, "XDG_RUNTIME_DIR": home, "LC_ALL": "C.UTF-8"}
     return {**keep, **own, "QT_QPA_PLATFORM": "offscreen"}
 

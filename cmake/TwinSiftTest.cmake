@@ -16,6 +16,12 @@ function(twinsift_add_test name)
     twinsift_register_test(${name} tst_${name} ${arg_TIMEOUT} "${arg_X11}" "${arg_ARGUMENTS}")
 endfunction()
 
+# The environment of every test that runs a program of ours, however it is registered.
+set(twinsift_test_environment
+    LC_ALL=C.UTF-8
+    LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/lsan.supp:print_suppressions=0
+    UBSAN_OPTIONS=print_stacktrace=1)
+
 function(twinsift_register_test name target timeout x11 arguments)
     if(x11)
         add_test(NAME ${name}
@@ -28,5 +34,31 @@ function(twinsift_register_test name target timeout x11 arguments)
     endif()
     set_tests_properties(${name} PROPERTIES
         TIMEOUT ${timeout}
-        ENVIRONMENT "${platform};LC_ALL=C.UTF-8;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/lsan.supp;UBSAN_OPTIONS=print_stacktrace=1")
+        ENVIRONMENT "${platform};${twinsift_test_environment}")
+endfunction()
+
+# twinsift_add_memcheck(<Class> [functions ...])
+# Runs a test, or some of its functions, under valgrind once more, as Memcheck<Class>: a wrong access
+# to memory fails, and so does memory that nothing points to any more. Not beside the sanitizers, whose
+# memory it does not know.
+function(twinsift_add_memcheck name)
+    if(TWINSIFT_SANITIZE)
+        return()
+    endif()
+    find_program(VALGRIND valgrind)
+    if(NOT VALGRIND)
+        add_test(NAME Memcheck${name}
+            COMMAND ${CMAKE_COMMAND} -E echo "SKIP: valgrind is not installed")
+        set_tests_properties(Memcheck${name} PROPERTIES SKIP_REGULAR_EXPRESSION "^SKIP")
+        return()
+    endif()
+    add_test(NAME Memcheck${name}
+        COMMAND ${VALGRIND} --tool=memcheck -q --error-exitcode=99 --leak-check=full
+                --errors-for-leak-kinds=definite --gen-suppressions=no
+                --suppressions=${CMAKE_SOURCE_DIR}/cmake/valgrind.supp
+                $<TARGET_FILE:tst_${name}> ${ARGN})
+    # The compiled patterns of the regular expressions read beyond what they use.
+    set_tests_properties(Memcheck${name} PROPERTIES
+        TIMEOUT 900
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_ENABLE_REGEXP_JIT=0;${twinsift_test_environment}")
 endfunction()

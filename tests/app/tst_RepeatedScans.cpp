@@ -8,10 +8,13 @@
 #include "tests/support/TestCase.h"
 #include "tests/support/WindowDriver.h"
 
+#include <QAbstractButton>
 #include <QFile>
 #include <QRandomGenerator>
 #include <QSet>
 #include <QTimer>
+
+#include <functional>
 
 #include <unistd.h>
 
@@ -27,9 +30,13 @@ private slots:
     void init() override;
     void stopsAtRandomMoments();
     void doubleStarts();
+    void hastyPresses_data();
+    void hastyPresses();
     void memoryStaysLevel();
 
 private:
+    using Press = std::function<bool(WindowDriver &, QAbstractButton *)>;
+
     static int countFrom(const char *variable, int otherwise);
     void prepare(const QString &mode) const;
     // Waits until the groups of the running scan have arrived.
@@ -38,6 +45,7 @@ private:
     std::unique_ptr<TempTree> tree;
     std::unique_ptr<MainWindow> window;
     QList<QStringList> groups;
+    QList<int> eventTypes; // without the repeated ones of a phase
     int startedScans = 0;
     int finishedScans = 0;
 };
@@ -47,6 +55,7 @@ namespace
 constexpr int groupsCount = 40;
 constexpr int copiesCount = 5;
 constexpr int maxWaitMilliseconds = 60000;
+constexpr int quietMilliseconds = 100;
 
 QSet<QString> pathsOf(const QList<QStringList> &groups)
 {
@@ -68,7 +77,27 @@ double residentMegabytes()
     }
     return file.readAll().split(' ').at(1).toDouble() * double(::sysconf(_SC_PAGESIZE)) / 1048576;
 }
+// As a window system delivers a key that is held: presses and releases that say so.
+void holdKey(QWidget *widget, Qt::Key key)
+{
+    constexpr int repeatsCount = 20;
+    QTest::keyPress(widget, key);
+    for (int i = 0; i < repeatsCount; ++i) {
+        QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, QStringLiteral(" "), true);
+        QCoreApplication::sendEvent(widget, &release);
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QStringLiteral(" "), true);
+        QCoreApplication::sendEvent(widget, &press);
+        if (i % 5 == 4) {
+            QCoreApplication::processEvents();
+        }
+    }
+    QTest::keyRelease(widget, key);
+}
+
+const QString backText = QStringLiteral("Scan Confurations");
 } // namespace
+
+Q_DECLARE_METATYPE(std::function<bool(WindowDriver &, QAbstractButton *)>)
 
 int tst_RepeatedScans::countFrom(const char *variable, int otherwise)
 {
@@ -89,6 +118,7 @@ void tst_RepeatedScans::init()
     window = std::make_unique<MainWindow>();
     window->show();
     groups.clear();
+    eventTypes.clear();
     startedScans = 0;
     finishedScans = 0;
     connect(
@@ -96,6 +126,9 @@ void tst_RepeatedScans::init()
         &Model::modelEvent,
         this,
         [this](const ModelEvent *event) {
+            if (eventTypes.isEmpty() || eventTypes.last() != event->type) {
+                eventTypes.append(event->type);
+            }
             if (event->type == TypeFindAllFilesStartedEvent) {
                 ++startedScans;
             } else if (event->type == TypeFindDuplicatedFilesFinishedEvent) {
@@ -181,6 +214,98 @@ void tst_RepeatedScans::doubleStarts()
         QCOMPARE(pathsOf(groups).size(), groupsCount * copiesCount);
         groups.clear();
     }
+}
+
+void tst_RepeatedScans::hastyPresses_data()
+{
+    QTest::addColumn<Press>("press");
+
+    QTest::newRow("a double click") << Press([](WindowDriver &, QAbstractButton *start) {
+        QTest::mouseClick(start, Qt::LeftButton);
+        QTest::mouseDClick(start, Qt::LeftButton); // the second press alone
+        QTest::mouseRelease(start, Qt::LeftButton);
+        return true;
+    });
+    QTest::newRow("many clicks") << Press([](WindowDriver &, QAbstractButton *start) {
+        for (int i = 0; i < 20; ++i) {
+            QTest::mouseClick(start, Qt::LeftButton);
+        }
+        return true;
+    });
+    QTest::newRow("a held space bar") << Press([](WindowDriver &, QAbstractButton *start) {
+        start->setFocus();
+        holdKey(start, Qt::Key_Space);
+        return true;
+    });
+    QTest::newRow("a space bar that is hit again")
+        << Press([](WindowDriver &, QAbstractButton *start) {
+               start->setFocus();
+               for (int i = 0; i < 20; ++i) {
+                   QTest::keyClick(start, Qt::Key_Space);
+               }
+               return true;
+           });
+    QTest::newRow("the way back, and a click")
+        << Press([](WindowDriver &driver, QAbstractButton *start) {
+               for (int i = 0; i < 5; ++i) {
+                   QTest::mouseClick(start, Qt::LeftButton);
+                   // Nothing is processed in between: the engine has not begun.
+                   if (!driver.click(backText) || driver.page() != 0) {
+                       return false;
+                   }
+               }
+               QTest::mouseClick(start, Qt::LeftButton);
+               return driver.page() == 1;
+           });
+    QTest::newRow("the way back, and a held space bar")
+        << Press([](WindowDriver &driver, QAbstractButton *start) {
+               QTest::mouseClick(start, Qt::LeftButton);
+               if (!driver.click(backText)) {
+                   return false;
+               }
+               start->setFocus();
+               holdKey(start, Qt::Key_Space);
+               return true;
+           });
+}
+
+void tst_RepeatedScans::hastyPresses()
+{
+    // However fast "Start scan" is pressed, one scan runs, from its first event to its last; the
+    // next one does so, too.
+    QFETCH(Press, press);
+    ModalDriver boxes;
+    WindowDriver driver(window.get(), &boxes);
+    QVERIFY2(driver.chooseFolder(tree->root()) && driver.tickFolder(tree->root()),
+             qPrintable(driver.problem()));
+    QAbstractButton *start = nullptr;
+    for (QAbstractButton *const button : window->findChildren<QAbstractButton *>()) {
+        if (button->text() == QLatin1String("Start scan")) {
+            start = button;
+        }
+    }
+    QVERIFY(start != nullptr);
+    const QList<int> wholeScan = {TypeFindAllFilesStartedEvent,
+                                  TypeCountingFilesInFolderEvent,
+                                  TypeFindAllFilesFinishedEvent,
+                                  TypeFindDuplicatedFilesStartedEvent,
+                                  TypeCountingFindFilesDuplicatedEvent,
+                                  TypeFindDuplicatedFilesFinishedEvent};
+    for (int scan = 1; scan <= 2; ++scan) {
+        eventTypes.clear();
+        QVERIFY2(press(driver, start), qPrintable(driver.problem()));
+        QVERIFY(waitForEnd());
+        // A start that was still on its way would begin now.
+        QTRY_COMPARE(window->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly).size(),
+                     0);
+        QVERIFY(!QTest::qWaitFor([this, scan] { return startedScans > scan; }, quietMilliseconds));
+        QCOMPARE(eventTypes, wholeScan);
+        QCOMPARE(startedScans, scan);
+        QCOMPARE(finishedScans, scan);
+        QCOMPARE(pathsOf(groups).size(), groupsCount * copiesCount);
+        window->setCurrentWidget(0);
+    }
+    QCOMPARE(boxes.failures(), QStringList());
 }
 
 void tst_RepeatedScans::memoryStaysLevel()

@@ -5,6 +5,7 @@
 #include "ui/filetypes/FileTypesWidget.h"
 #include "ui/filetypes/MaskEntry.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -219,6 +220,7 @@ void ScanProfileWidget::chooseTypes(const QString &chosen, const char *receiver)
     auto *const window = new FileTypesWidget;
     window->setAttribute(Qt::WA_DeleteOnClose); // by its frame, too
     window->setAttribute(Qt::WA_QuitOnClose, false); // the main window alone keeps the program
+    connect(qApp, &QCoreApplication::aboutToQuit, window, &QObject::deleteLater);
     connect(window, SIGNAL(selectedTypesSignal(QStringList)), this, receiver);
     window->setCurrentMaskList(MaskEntry::fromLine(chosen));
     window->show();

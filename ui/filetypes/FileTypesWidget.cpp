@@ -4,9 +4,9 @@
 #include "ui/filetypes/FileTypesEditWidget.h"
 #include "ui/filetypes/MaskFile.h"
 
+#include <QApplication>
 #include <QDebug>
 #include <QFile>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QListWidget>
 #include <QMessageBox>
@@ -220,11 +220,19 @@ void FileTypesWidget::resizeToEntries()
     resize(wanted.boundedTo(QGuiApplication::primaryScreen()->availableSize() - frameAllowance));
 }
 
-void FileTypesWidget::addEntry()
+// A window of its own, which may outlive this one.
+FileTypesEditWidget *FileTypesWidget::createEditor() const
 {
     auto *const editor = new FileTypesEditWidget;
     editor->setAttribute(Qt::WA_QuitOnClose, false);
     editor->setAllFilesMask(maskEntries);
+    connect(qApp, &QCoreApplication::aboutToQuit, editor, &QObject::deleteLater);
+    return editor;
+}
+
+void FileTypesWidget::addEntry()
+{
+    FileTypesEditWidget *const editor = createEditor();
     connect(editor, SIGNAL(addNewMask(QString)), this, SLOT(onAddNewMask(QString)));
     editor->show();
 }
@@ -234,13 +242,11 @@ void FileTypesWidget::editEntry()
     if (!hasEntryOfCurrentRow()) {
         return;
     }
-    auto *const editor = new FileTypesEditWidget;
-    editor->setAttribute(Qt::WA_QuitOnClose, false);
+    FileTypesEditWidget *const editor = createEditor();
     // clang-format off
     connect(editor, SIGNAL(editMask(QString,QString)), this, SLOT(onEditMask(QString,QString)));
     // clang-format on
     editor->setCurrentMask(maskEntries.at(listWidget->currentRow()));
-    editor->setAllFilesMask(maskEntries);
     editor->show();
 }
 

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <QWidget>
 
+class FileTypesEditWidget;
 class QListWidget;
 class QListWidgetItem;
 class QPushButton;
@@ -50,6 +51,7 @@ private:
     QPushButton *createButton(const QString &text);
     void createLayout();
     void resizeToEntries();
+    FileTypesEditWidget *createEditor() const;
     void addEntry();
     void editEntry();
     void deleteEntry();
