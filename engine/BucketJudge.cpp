@@ -23,10 +23,10 @@ BucketJudge::BucketJudge(const QStringList &bucket, KeyOf keyOf)
 {
 }
 
-bool BucketJudge::areEqual(int first, int second)
+bool BucketJudge::judge(int first, int second)
 {
-    File &a = files[static_cast<std::size_t>(first)];
-    File &b = files[static_cast<std::size_t>(second)];
+    File &a = fileAt(first);
+    File &b = fileAt(second);
     if (!a.isKnown) {
         readHead(first);
     }
@@ -55,7 +55,7 @@ bool BucketJudge::areEqual(int first, int second)
 
 qint64 BucketJudge::sizeOf(int index)
 {
-    File &file = files[static_cast<std::size_t>(index)];
+    File &file = fileAt(index);
     if (file.countedSize < 0) {
         hasRead = true;
         file.countedSize = RegularFile::sizeOf(paths.at(index));
@@ -65,7 +65,7 @@ qint64 BucketJudge::sizeOf(int index)
 
 void BucketJudge::readHead(int index)
 {
-    File &known = files[static_cast<std::size_t>(index)];
+    File &known = fileAt(index);
     known.isKnown = true;
     hasRead = true;
     RegularFile file;
@@ -82,8 +82,8 @@ void BucketJudge::readHead(int index)
     const qint64 bytes = std::min(known.size, headBytes);
     known.isReadable = file.read(headOf(index), bytes) == bytes;
     if (known.isReadable) {
-        const qint64 startBytes = std::min(bytes, static_cast<qint64>(known.start.size()));
-        std::copy_n(headOf(index), startBytes, known.start.begin());
+        const auto startBytes = std::min(static_cast<std::size_t>(bytes), sizeof known.start);
+        std::memcpy(known.start.data(), headOf(index), startBytes);
     }
 }
 
@@ -94,23 +94,20 @@ char *BucketJudge::headOf(int index) const
 
 bool BucketJudge::haveSameContent(int first, int second)
 {
-    const File &a = files[static_cast<std::size_t>(first)];
-    if (a.start != files[static_cast<std::size_t>(second)].start) {
-        return false;
-    }
-    const qint64 bytes = std::min(a.size, headBytes);
+    const qint64 size = fileAt(first).size;
+    const qint64 bytes = std::min(size, headBytes);
     if (std::memcmp(headOf(first), headOf(second), static_cast<std::size_t>(bytes)) != 0) {
         return false;
     }
-    return bytes == a.size || compareWhole(first, second);
+    return bytes == size || compareWhole(first, second);
 }
 
 bool BucketJudge::compareWhole(int first, int second)
 {
     hasRead = true;
     const auto verdict = FileComparison::compare(paths.at(first), paths.at(second));
-    const File &a = files[static_cast<std::size_t>(first)];
-    const File &b = files[static_cast<std::size_t>(second)];
+    const File &a = fileAt(first);
+    const File &b = fileAt(second);
     // A file that broke after its beginning had been read has made earlier verdicts worthless.
     if (verdict == FileComparison::Verdict::Failed && a.isReadable && b.isReadable) {
         isTrusting = false;

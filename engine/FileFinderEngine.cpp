@@ -26,8 +26,8 @@ Q_CORE_EXPORT uint qGlobalPostedEventsCount();
 namespace
 {
 constexpr qint64 maxNanosecondsBetweenEventPasses = qint64(500) * 1000;
-// Of pairs that are judged from memory: so many are over in a microsecond.
-constexpr int maxPairsBetweenEventPasses = 64;
+// Of pairs that are judged from memory: so many are over in some microseconds.
+constexpr int maxPairsBetweenEventPasses = 1024;
 
 bool isLeaving()
 {
