@@ -214,16 +214,19 @@ class Bench:
         )
 
     def many_files(self):
+        many = self.make_many(self.sizes.many_depth)
+        self.growth(many)
+        self.draw_curves(many)
+        self.drop(many.target)
+
+    def make_many(self, depth):
         target = os.path.join(self.small_folder, "many")
-        many = workloads.ManyFiles(target, self.sizes.many_depth)
+        many = workloads.ManyFiles(target, depth)
         os.makedirs(target)
         start = time.perf_counter()
         many.make()
         say("made many in %.0f s, on %s" % (time.perf_counter() - start, file_system(target)))
-        self.growth(many)
-        self.window(many)
-        self.draw_curves(many)
-        self.drop(target)
+        return many
 
     def growth(self, many):
         """Ten times the files. Size alone gives buckets that grow with the number of files, and all
@@ -270,11 +273,11 @@ class Bench:
             detail="%.0f MB in all" % (all_files.peak_bytes / 1e6),
         )
 
-    def window(self, many):
+    def window(self):
         """A signal a file crosses to the thread of the window."""
-        level = self.sizes.window_level
-        folders = many.branches(level, self.sizes.window_branches)
-        files = many.files(level) * len(folders)
+        many = self.make_many(self.sizes.window_depth)
+        folders = many.branches(1, self.sizes.window_branches)
+        files = many.files(1) * len(folders)
         scan = self.tools.scan("--advanced", "md5", *folders)
         window = self.tools.helper("Window", "md5", *folders)
         self.expect(scan, many.twins(files))
@@ -304,6 +307,7 @@ class Bench:
             unit=" ms",
             detail="median of the runs; the longest of all %.1f ms" % max(passes),
         )
+        self.drop(many.target)
 
     def draw_curves(self, many):
         """CPU time by number of files, which on a warm cache is the time of a machine at rest. The
@@ -356,6 +360,7 @@ STEPS = {
     "buckets": Bench.large_buckets,
     "checksums": Bench.checksums,
     "many": Bench.many_files,
+    "window": Bench.window,
     "paint": Bench.first_paint,
 }
 

@@ -27,8 +27,8 @@ class Sizes:
     hash_files: int
     hash_bytes: int
     many_depth: int  # folders are the leaves of a tree of this depth with ten branches each
-    window_level: int  # of the branches that the window scans
-    window_branches: int
+    window_depth: int  # of another such tree
+    window_branches: int  # that the window scans of it
 
 
 FULL = Sizes(
@@ -40,7 +40,7 @@ FULL = Sizes(
     hash_files=1000,
     hash_bytes=4 * MIB,
     many_depth=4,
-    window_level=2,
+    window_depth=3,
     window_branches=6,
 )
 TOY = Sizes(
@@ -52,7 +52,7 @@ TOY = Sizes(
     hash_files=8,
     hash_bytes=65536,
     many_depth=1,
-    window_level=1,
+    window_depth=1,
     window_branches=6,
 )
 

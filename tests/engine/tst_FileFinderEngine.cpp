@@ -843,14 +843,12 @@ void tst_FileFinderEngine::controllerIsConnected()
     }
     QCOMPARE(log.lines, wanted);
     // A second one is refused as a duplicate: the connection is the plain automatic one.
-    QVERIFY(!connect(&engine,
-                     SIGNAL(findAllFilesStarted()),
-                            &controller,
-                            SLOT(onFindAllFilesStarted()), Qt::UniqueConnection));
-    QVERIFY(connect(&engine,
-                    SIGNAL(addedDuplicatedPath(QString)),
-                           &controller,
-                           SLOT(addedDuplicatedPath(QString)), Qt::UniqueConnection));
+    // clang-format off
+    QVERIFY(!connect(&engine, SIGNAL(findAllFilesStarted()),
+                     &controller, SLOT(onFindAllFilesStarted()), Qt::UniqueConnection));
+    QVERIFY(connect(&engine, SIGNAL(addedDuplicatedPath(QString)),
+                    &controller, SLOT(addedDuplicatedPath(QString)), Qt::UniqueConnection));
+    // clang-format on
 }
 
 void tst_FileFinderEngine::noModelAndNoController()

@@ -180,8 +180,19 @@ void DuplicatedFilesListWidget::onModelEvent(const ModelEvent *modelEvent)
     const auto *const event = static_cast<const FindDuplicatedFilesFinishedEvent *>(modelEvent);
     tableModel->setDuplicatedFilesInList(event->duplicatedFiles);
     tableView->reset();
-    tableView->resizeColumnToContents(DuplicatedFilesTableModel::FilepathColumn);
+    areColumnsOutdated = true;
+    if (isVisible()) {
+        fitColumns();
+    }
+}
+
+// Looks at up to a thousand rows, so the end of a scan does not wait for it.
+void DuplicatedFilesListWidget::fitColumns()
+{
+    areColumnsOutdated = false;
     tableView->resizeColumnToContents(DuplicatedFilesTableModel::SizeColumn);
+    // The last, because any other column that changes lets it fill the view.
+    tableView->resizeColumnToContents(DuplicatedFilesTableModel::FilepathColumn);
 }
 
 void DuplicatedFilesListWidget::onModelIndexClicked(QModelIndex index)
@@ -270,6 +281,9 @@ void DuplicatedFilesListWidget::resizeEvent(QResizeEvent *event)
 void DuplicatedFilesListWidget::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
+    if (areColumnsOutdated) {
+        fitColumns();
+    }
     fillView();
 }
 
@@ -333,10 +347,10 @@ void DuplicatedFilesListWidget::createTable()
     rowHeader->hide();
     rowHeader->setDefaultSectionSize(rowHeight);
     tableView->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(tableView,
-            SIGNAL(customContextMenuRequested(QPoint)),
-                   this,
-                   SLOT(onCustomContextMenuRequested(QPoint)));
+    // clang-format off
+    connect(tableView, SIGNAL(customContextMenuRequested(QPoint)),
+            this, SLOT(onCustomContextMenuRequested(QPoint)));
+    // clang-format on
     tableView->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     tableView->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     connect(tableView, SIGNAL(clicked(QModelIndex)), this, SLOT(onModelIndexClicked(QModelIndex)));
@@ -347,8 +361,7 @@ void DuplicatedFilesListWidget::createTable()
     tableView->setColumnWidth(DuplicatedFilesTableModel::CheckColumn, rowHeight);
     tableView->setColumnWidth(DuplicatedFilesTableModel::GroupColumn,
                               static_cast<int>(rowHeight * groupWidthFactor));
-    tableView->resizeColumnToContents(DuplicatedFilesTableModel::FilepathColumn);
-    tableView->resizeColumnToContents(DuplicatedFilesTableModel::SizeColumn);
+    fitColumns();
     tableView->setSelectionMode(QAbstractItemView::SingleSelection);
     tableView->setSelectionBehavior(QAbstractItemView::SelectRows);
     // There is nothing to edit in a cell, so Tab goes on to the next control.

@@ -63,6 +63,7 @@ private:
                                  const QString &picture,
                                  int height,
                                  int weight);
+    void fitColumns();
     /** Widens the paths until the columns fill the view beside its scroll bar. */
     void fillView();
     /** No horizontal scroll bar for the few pixels that lie under the view's frame. */
@@ -87,4 +88,5 @@ private:
     ClickableLabel *scanConfigurationButton = nullptr;
     /** The row that the open context menu is about. */
     qint32 contextRow = -1;
+    bool areColumnsOutdated = false;
 };
