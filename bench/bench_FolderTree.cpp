@@ -56,8 +56,8 @@ public:
     QModelIndex parent(int row) const { return model()->index(row, 0, root()); }
     bool load();
     /** Brings the folder into view and returns where its check box is. */
-    QPoint boxOf(const QModelIndex &index);
-    void click(const QPoint &position);
+    QPoint boxOf(const QModelIndex &index) const;
+    void click(const QPoint &position) const;
 
     FileSystemTreeWidget widget{nullptr};
 
@@ -113,7 +113,7 @@ bool ShownTree::load()
     return true;
 }
 
-QPoint ShownTree::boxOf(const QModelIndex &index)
+QPoint ShownTree::boxOf(const QModelIndex &index) const
 {
     view()->scrollTo(index);
     QStyleOptionViewItem option;
@@ -127,7 +127,7 @@ QPoint ShownTree::boxOf(const QModelIndex &index)
         .center();
 }
 
-void ShownTree::click(const QPoint &position)
+void ShownTree::click(const QPoint &position) const
 {
     QTest::mouseClick(view()->viewport(), Qt::LeftButton, Qt::NoModifier, position);
 }

@@ -58,7 +58,7 @@ private:
             return QStringLiteral(" %1 %2 %3").arg(update->version, update->build, update->url);
         }
         default:
-            return QString();
+            return {};
         }
     }
 };

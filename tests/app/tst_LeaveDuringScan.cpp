@@ -128,8 +128,8 @@ void tst_LeaveDuringScan::endsWithStatusZeroInADialog_data()
     QRandomGenerator random(2);
     for (int i = 0; i < leavings; ++i) {
         // Ten dialogs and three ways: each meets each.
-        const QString dialog = dialogs.at(i % dialogs.size());
-        const QString way = ways.at(i % ways.size());
+        const QString &dialog = dialogs.at(i % dialogs.size());
+        const QString &way = ways.at(i % ways.size());
         const QString mode = modes().at(i % modes().size());
         const int opening = random.bounded(i % 5 == 0 ? 20 : maxDialogMilliseconds);
         const int delay = random.bounded(maxDialogMilliseconds);

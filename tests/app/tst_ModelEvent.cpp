@@ -23,8 +23,8 @@ void tst_ModelEvent::typesAndDescriptions_data()
     QTest::addColumn<QString>("name");
 
     const auto row =
-        [](const char *tag, std::shared_ptr<ModelEvent> event, int type, const char *name) {
-            QTest::newRow(tag) << std::move(event) << type << QString::fromLatin1(name);
+        [](const char *tag, const std::shared_ptr<ModelEvent> &event, int type, const char *name) {
+            QTest::newRow(tag) << event << type << QString::fromLatin1(name);
         };
     row("files counted",
         std::make_shared<CountingFilesInFolderEvent>(1, QString()),

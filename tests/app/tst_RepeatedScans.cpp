@@ -168,7 +168,7 @@ void tst_RepeatedScans::stopsAtRandomMoments()
     QRandomGenerator random(7);
     const int stops = countFrom("TWINSIFT_STOPS", 20);
     for (int i = 0; i < stops; ++i) {
-        const QString mode = modes.at(i % modes.size());
+        const QString &mode = modes.at(i % modes.size());
         prepare(mode);
         window->onScanStart();
         QTimer::singleShot(random.bounded(25), window.get(), [this] { window->stopScan(); });

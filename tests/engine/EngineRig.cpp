@@ -62,9 +62,9 @@ void EngineRig::run(const std::function<void()> &function)
     QMetaObject::invokeMethod(finder.get(), function, Qt::BlockingQueuedConnection);
 }
 
-void EngineRig::atSignal(int number, std::function<void()> action)
+void EngineRig::atSignal(int number, const std::function<void()> &action)
 {
-    actions.insert(number, std::move(action));
+    actions.insert(number, action);
 }
 
 void EngineRig::stopAtSignal(int number)

@@ -33,7 +33,7 @@ public:
     /** Runs the function on the worker thread and waits for its end. */
     void run(const std::function<void()> &function);
     /** Puts the action behind the n-th signal (from 1) of the scans to come. */
-    void atSignal(int number, std::function<void()> action);
+    void atSignal(int number, const std::function<void()> &action);
     /** Posts stopFinder() behind the n-th signal. */
     void stopAtSignal(int number);
     /** Posts the slot to the engine, from whatever thread. */

@@ -29,7 +29,7 @@ QString hashOfFile(const QString &path, QCryptographicHash::Algorithm algorithm)
     QFile file(path);
     QCryptographicHash hash(algorithm);
     if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file)) {
-        return QString();
+        return {};
     }
     return QString::fromLatin1(hash.result().toBase64());
 }
@@ -73,8 +73,8 @@ void LiteralGrouping::groupByContent()
         const QStringList bucket = buckets.value(bucketKey);
         for (int j = 0; j < bucket.size() - 1; ++j) {
             for (int k = j + 1; k < bucket.size(); ++k) {
-                const QString a = bucket.at(j);
-                const QString b = bucket.at(k);
+                const QString &a = bucket.at(j);
+                const QString &b = bucket.at(k);
                 if (!compare(a, b, &unreadableFiles)) {
                     continue;
                 }

@@ -172,7 +172,7 @@ QString judge(const Case &files, const QList<QStringList> &groups, const QString
             return QStringLiteral("never alike: ") + group.join(QLatin1Char(' '));
         }
     }
-    return QString();
+    return {};
 }
 
 void addRows(const QStringList &names)

@@ -32,8 +32,8 @@ private slots:
 private:
     void prepare();
     long scanWith(const ScanProfile &profile, FaultShim::Kind kind, long n, int fault);
-    QString judge(const QList<QStringList> &groups, bool isCrc) const;
-    QString loss(FaultShim::Kind kind, const QList<QStringList> &groups) const;
+    QString judge(const QList<QStringList> &found, bool isCrc) const;
+    QString loss(FaultShim::Kind kind, const QList<QStringList> &found) const;
 
     std::unique_ptr<FaultTree> tree;
     QList<QStringList> groups;
@@ -109,14 +109,14 @@ QString tst_Faults::judge(const QList<QStringList> &found, bool isCrc) const
             return QStringLiteral("differ: ") + group.join(QLatin1Char(' '));
         }
     }
-    return QString();
+    return {};
 }
 
 // A file that could not be opened or read may be lost, with the group that it leaves, but no other.
 QString tst_Faults::loss(FaultShim::Kind kind, const QList<QStringList> &found) const
 {
     if (kind != FaultShim::Open && kind != FaultShim::Read) {
-        return QString();
+        return {};
     }
     const QSet<QSet<QString>> sets = Scan::asSets(found);
     for (const QSet<QString> &group : tree->groups()) {
@@ -128,7 +128,7 @@ QString tst_Faults::loss(FaultShim::Kind kind, const QList<QStringList> &found) 
                 .arg(spoiledPath(), QStringList(group.values()).join(QLatin1Char(' ')));
         }
     }
-    return QString();
+    return {};
 }
 
 void tst_Faults::treeIsGroupedAsItWasBuilt()

@@ -84,7 +84,7 @@ void tst_FaultyScan::faultIsNoEndOfTheProgram_data()
         for (const QString &kind : kinds) {
             // Only data ends.
             const bool ends = kind == QStringLiteral("read") || kind == QStringLiteral("list");
-            const QString fault = faults.at(next++ % (ends ? 6 : 5));
+            const QString &fault = faults.at(next++ % (ends ? 6 : 5));
             QTest::addRow("%s, %s, %s",
                           mode.isEmpty() ? "byte by byte" : qPrintable(mode),
                           qPrintable(kind),

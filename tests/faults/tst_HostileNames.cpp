@@ -42,8 +42,7 @@ const QByteArrayList names = {
     "tab\tstop",
     "bell\a and \x01\x02\x1f\x7f",
     "\x1b[31mred\x1b[0m",
-    "\xe2\x80\xae"
-    "gpj.exe", // right-to-left override
+    "\u202egpj.exe", // right-to-left override
     "\xe2\x80\x8f\xe2\x80\x8e", // right-to-left and left-to-right marks
     "\xd7\xa9\xd7\x9c\xd7\x95\xd7\x9d.txt",
     "\xef\xbb\xbf"

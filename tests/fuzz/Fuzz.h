@@ -15,7 +15,7 @@ namespace Fuzz
 {
 inline QByteArray bytes(const unsigned char *data, std::size_t size)
 {
-    return QByteArray(reinterpret_cast<const char *>(data), static_cast<int>(size));
+    return {reinterpret_cast<const char *>(data), static_cast<int>(size)};
 }
 
 /** Ends the process when the condition does not hold. */

@@ -48,7 +48,7 @@ void ModalDriver::expectMessageBox(const QString &title,
                            QString::number(box->standardButtons()),
                            QString::number(buttons));
         }
-        return QString();
+        return {};
     };
     const auto act = [=](QWidget *widget) {
         QTest::mouseClick(qobject_cast<QMessageBox *>(widget)->button(answer), Qt::LeftButton);

@@ -23,7 +23,7 @@ public:
     static constexpr int maxWaitMilliseconds = 60000;
 
     /** The modal driver answers the boxes that steps open; neither is owned. */
-    WindowDriver(QWidget *window, ModalDriver *boxes);
+    WindowDriver(QWidget *mainWindow, ModalDriver *modalDriver);
 
     /** Index of the page that is shown. */
     int page() const;
@@ -52,7 +52,7 @@ public:
 
     /** The visible window of that class beside the main one, e.g. the list of file types. */
     QWidget *otherWindow(const char *className) const;
-    static bool clickIn(QWidget *window, const QString &text);
+    static bool clickIn(QWidget *where, const QString &text);
 
     QString problem() const { return lastProblem; }
 

@@ -126,12 +126,12 @@ void FolderTreeDriver::clickBranch(const QString &folder)
     click(QPoint(row.left() - view()->indentation() / 2, row.center().y()));
 }
 
-void FolderTreeDriver::click(const QPoint &position)
+void FolderTreeDriver::click(const QPoint &position) const
 {
     QTest::mouseClick(view()->viewport(), Qt::LeftButton, Qt::NoModifier, position);
 }
 
-QRect FolderTreeDriver::visibleRow(const QString &folder)
+QRect FolderTreeDriver::visibleRow(const QString &folder) const
 {
     view()->scrollTo(at(folder));
     return view()->visualRect(at(folder));

@@ -43,8 +43,8 @@ public:
     void clickBranch(const QString &folder);
 
 private:
-    void click(const QPoint &position);
-    QRect visibleRow(const QString &folder);
+    void click(const QPoint &position) const;
+    QRect visibleRow(const QString &folder) const;
 
     QWidget *const above;
     FolderLoads *loads = nullptr;

@@ -116,7 +116,7 @@ void tst_FileSystemTreeWidget::textsAndSizes()
     QCOMPARE(widget->minimumWidth(), 480);
     QCOMPARE(driver->button()->text(), QStringLiteral("Select folder..."));
     QCOMPARE(driver->view()->selectionMode(), QAbstractItemView::ExtendedSelection);
-    QStackedWidget *const pages = widget->findChild<QStackedWidget *>();
+    auto *const pages = widget->findChild<QStackedWidget *>();
     const auto *const layout = qobject_cast<QVBoxLayout *>(pages->widget(0)->layout());
     QVERIFY(layout != nullptr);
     QCOMPARE(layout->contentsMargins(), QMargins());

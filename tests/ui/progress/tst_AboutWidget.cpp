@@ -16,7 +16,7 @@ QLabel *labelOf(const AboutWidget &box, const char *name)
 QRect placeOf(const AboutWidget &box, const char *name)
 {
     const QLabel *const label = labelOf(box, name);
-    return QRect(label->mapTo(&box, QPoint()), label->size());
+    return {label->mapTo(&box, QPoint()), label->size()};
 }
 } // namespace
 

@@ -81,8 +81,8 @@ struct Shown {
         moveMouseOut();
         return exposed;
     }
-    void moveMouseIn() { QTest::mouseMove(window.windowHandle(), QPoint(150, 80)); }
-    void moveMouseOut() { QTest::mouseMove(window.windowHandle(), QPoint(390, 190)); }
+    void moveMouseIn() const { QTest::mouseMove(window.windowHandle(), QPoint(150, 80)); }
+    void moveMouseOut() const { QTest::mouseMove(window.windowHandle(), QPoint(390, 190)); }
 
     QWidget window;
     ClickableLabel *label;

@@ -178,7 +178,7 @@ void tst_ProgressWidget::countingDuplicates()
 {
     // The scanned files keep the count of the enumeration while files are compared.
     model->emitModelEvent(CountingFilesInFolderEvent(10, QStringLiteral("/a")));
-    model->emitModelEvent(CountingFindFilesDuplicatedEvent(99, 4, 3 * 1048576));
+    model->emitModelEvent(CountingFindFilesDuplicatedEvent(99, 4, qint64(3) * 1048576));
     QCOMPARE(numbers(*widget), headings("10", "3", "4"));
 }
 
@@ -224,7 +224,7 @@ void tst_ProgressWidget::otherEventsAreIgnored()
 {
     // No other event changes a number.
     model->emitModelEvent(CountingFilesInFolderEvent(10, QStringLiteral("/a")));
-    model->emitModelEvent(CountingFindFilesDuplicatedEvent(99, 4, 3 * 1048576));
+    model->emitModelEvent(CountingFindFilesDuplicatedEvent(99, 4, qint64(3) * 1048576));
     model->emitModelEvent(FindAllFilesStartedEvent());
     model->emitModelEvent(FindAllFilesFinishedEvent());
     model->emitModelEvent(FindDuplicatedFilesStartedEvent());

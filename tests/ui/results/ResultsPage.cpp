@@ -47,7 +47,7 @@ QString wrongWith(const QMessageBox *box,
         || box->defaultButton() != box->button(harmless)) {
         return QStringLiteral("its buttons are %1").arg(box->standardButtons());
     }
-    return QString();
+    return {};
 }
 } // namespace
 
