@@ -26,7 +26,7 @@ Controller::Controller(Model *eventModel, QObject *parent)
     , updateFileUrl(QString::fromLatin1(Product::updateFile))
 {
     connect(networkManager,
-            SIGNAL(finished(QNetworkReply *)), this, SLOT(onReplyFinished(QNetworkReply *)));
+            SIGNAL(finished(QNetworkReply*)), this, SLOT(onReplyFinished(QNetworkReply*)));
 }
 
 void Controller::checkUpdate()

@@ -81,7 +81,7 @@ MainWindow::MainWindow(QWidget *parent)
     installPalette();
     model = new Model(this);
     connect(model,
-            SIGNAL(modelEvent(const ModelEvent *)), this, SLOT(onModelEvent(const ModelEvent *)));
+            SIGNAL(modelEvent(const ModelEvent*)), this, SLOT(onModelEvent(const ModelEvent*)));
     controller = new Controller(model, nullptr);
     keep(controller);
 
@@ -150,7 +150,7 @@ void MainWindow::createStatusBar(QVBoxLayout *layout)
 void MainWindow::createMenu()
 {
     menu = menuBar()->addMenu(QStringLiteral("Menu"));
-    connect(menu, SIGNAL(triggered(QAction *)), this, SLOT(onMenuClicked(QAction *)));
+    connect(menu, SIGNAL(triggered(QAction*)), this, SLOT(onMenuClicked(QAction*)));
     menu->addAction(QStringLiteral("About"));
     menu->addAction(QStringLiteral("Homepage"));
     menu->addAction(QStringLiteral("Feedback"));

@@ -12,8 +12,8 @@
 /**
  * Decides which files of one bucket have the same content, reading as little as it can.
  *
- * Every verdict is that of FileComparison::compare(), its log lines included, but that a file which
- * has left the bucket since is equal to none of another size. The beginning of each file is read
+ * Of files that stay as they are, every verdict is that of FileComparison::compare(), its log lines
+ * included. A file that has left the bucket since is equal to none of another size. The beginning of each file is read
  * once, and equality that has been proven byte by byte carries over from pair to pair. Holds at most
  * 64 MiB of contents. Lives as long as its bucket is worked on.
  */

@@ -14,9 +14,8 @@ class EventRecorder final : public QObject
 public:
     explicit EventRecorder(QObject *model)
     {
-        connect(
-            model,
-            SIGNAL(modelEvent(const ModelEvent *)), this, SLOT(onModelEvent(const ModelEvent *)));
+        connect(model,
+                SIGNAL(modelEvent(const ModelEvent*)), this, SLOT(onModelEvent(const ModelEvent*)));
     }
 
     QStringList events;

@@ -41,7 +41,7 @@ QStringList tst_Controller::check(const HttpServer &server)
     const EventRecorder recorder(&model);
     Controller controller(&model, nullptr);
     QSignalSpy finished(controller.findChild<QNetworkAccessManager *>(),
-                        SIGNAL(finished(QNetworkReply *)));
+                        SIGNAL(finished(QNetworkReply*)));
     controller.setUpdateFileUrl(server.url(QStringLiteral("/twinsift/update.dat")));
     controller.checkUpdate();
     if (finished.isEmpty() && !finished.wait(60000)) {

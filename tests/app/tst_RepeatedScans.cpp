@@ -77,7 +77,9 @@ double residentMegabytes()
     }
     return file.readAll().split(' ').at(1).toDouble() * double(::sysconf(_SC_PAGESIZE)) / 1048576;
 }
-// As a window system delivers a key that is held: presses and releases that say so.
+
+// As a window system delivers a key that is held: presses and releases that say so. All before the
+// engine begins, because a release after the end of a scan starts another.
 void holdKey(QWidget *widget, Qt::Key key)
 {
     constexpr int repeatsCount = 20;
@@ -87,9 +89,6 @@ void holdKey(QWidget *widget, Qt::Key key)
         QCoreApplication::sendEvent(widget, &release);
         QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QStringLiteral(" "), true);
         QCoreApplication::sendEvent(widget, &press);
-        if (i % 5 == 4) {
-            QCoreApplication::processEvents();
-        }
     }
     QTest::keyRelease(widget, key);
 }

@@ -429,16 +429,25 @@ void tst_Grouping::fileThatBreaksMeanwhile()
     for (const char *name : {"a", "b", "c", "d"}) {
         bucket.append(file(name, QByteArray(10000, 'x')));
     }
+    bucket.append(file("e", QByteArray(10000, 'y')));
+    const auto expectFailure = [this](const QString &path) {
+        expectMessage(QtCriticalMsg,
+                      QStringLiteral("File %1 cannot opened! No such file or directory").arg(path));
+    };
     BucketJudge judge(bucket);
     QVERIFY(judge.areEqual(0, 1));
     QVERIFY(judge.areEqual(0, 2));
     QVERIFY(QFile::remove(bucket.at(0)));
-    expectMessage(
-        QtCriticalMsg,
-        QStringLiteral("File %1 cannot opened! No such file or directory").arg(bucket.at(0)));
+    expectFailure(bucket.at(0));
     QVERIFY(!judge.areEqual(0, 3));
+    expectFailure(bucket.at(0));
+    QVERIFY(!judge.areEqual(0, 4));
     QVERIFY(judge.areEqual(1, 2));
     QVERIFY(judge.areEqual(1, 3));
+    // Also that it differed from its first bytes on.
+    QVERIFY(QFile::remove(bucket.at(4)));
+    expectFailure(bucket.at(4));
+    QVERIFY(!judge.areEqual(1, 4));
     QVERIFY(judge.areEqual(2, 3));
 }
 

@@ -74,7 +74,7 @@ bool canHoldList(const QString &path)
 }
 
 // For a file in a folder that takes no new one. What it held is put back if there is no room for all
-// of the list; until then it is not cut, so its own room stays its own.
+// of the list; until then it is not cut, so that on most file systems its own room stays its own.
 bool writeInPlace(const QString &path, const QByteArray &list)
 {
     QFile file(path);
@@ -83,6 +83,9 @@ bool writeInPlace(const QString &path, const QByteArray &list)
     }
     const qint64 oldSize = file.size();
     const QByteArray old = file.read(list.size());
+    if (old.size() != qMin<qint64>(oldSize, list.size())) {
+        return false;
+    }
     if (file.seek(0) && file.write(list) == list.size() && file.resize(list.size())) {
         return true;
     }
@@ -229,8 +232,8 @@ void DuplicatedFilesListWidget::onCustomContextMenuRequested(const QPoint &pos)
     const QModelIndex cell =
         tableModel->index(contextRow, DuplicatedFilesTableModel::FilepathColumn);
     auto *const menu = new QMenu(this);
-    connect(menu, SIGNAL(triggered(QAction *)), this, SLOT(onActionTriggered(QAction *)));
-    connect(menu, SIGNAL(triggered(QAction *)), menu, SLOT(deleteLater()));
+    connect(menu, SIGNAL(triggered(QAction*)), this, SLOT(onActionTriggered(QAction*)));
+    connect(menu, SIGNAL(triggered(QAction*)), menu, SLOT(deleteLater()));
     // A menu that is dismissed triggers nothing.
     connect(menu, SIGNAL(aboutToHide()), menu, SLOT(deleteLater()));
     if (QFileInfo::exists(cell.data().toString())) {

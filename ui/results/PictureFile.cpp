@@ -89,7 +89,7 @@ void PictureFile::readFromMemory()
     if (reader.format() != "jpeg" || file.size() > maxBytesInMemory || !file.seek(0)) {
         return;
     }
-    content.setData(file.read(maxBytesInMemory));
+    content.setData(file.read(file.size()));
     content.open(QIODevice::ReadOnly);
     reader.setDevice(&content);
 }

@@ -6,11 +6,13 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRandomGenerator>
 #include <QStandardPaths>
 #include <QStorageInfo>
 
 #include <cerrno>
 #include <cstdio>
+#include <limits>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -26,6 +28,9 @@ constexpr mode_t ownerOnly = 0700;
 constexpr mode_t ownerReadsAndWrites = 0600;
 constexpr int maxNameBytes = 255;
 constexpr char noteEnding[] = ".trashinfo";
+constexpr int maxCountedNames = 10;
+
+enum class Outcome { Done, NameIsTaken, Failed };
 
 /** Closes what it was opened with. */
 class Descriptor final
@@ -91,7 +96,8 @@ QByteArray nameInTrash(const QByteArray &name, int number)
 {
     const QByteArray ending = number > 1 ? '-' + QByteArray::number(number) : QByteArray();
     int bytes = qMin(name.size(), maxNameBytes - int(sizeof noteEnding - 1) - ending.size());
-    while (bytes < name.size() && (static_cast<uchar>(name.at(bytes)) & 0xc0U) == 0x80U) {
+    while (bytes > 0 && bytes < name.size()
+           && (static_cast<uchar>(name.at(bytes)) & 0xc0U) == 0x80U) {
         --bytes;
     }
     return name.left(bytes) + ending;
@@ -99,28 +105,79 @@ QByteArray nameInTrash(const QByteArray &name, int number)
 
 QByteArray noteOf(const QByteArray &path)
 {
-    return "[Trash Info]\nPath=" + path.toPercentEncoding("/") + "\nDeletionDate="
-        + QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-ddThh:mm:ss")).toLatin1()
-        + '\n';
+    return "[Trash Info]\nPath=" + path.toPercentEncoding("/")
+        + "\nDeletionDate=" + QDateTime::currentDateTime().toString(Qt::ISODate).toLatin1() + '\n';
 }
 
 // A note that exists keeps its name from every other file.
-bool writeNote(int folder, const QByteArray &name, const QByteArray &note)
+Outcome writeNote(int folder, const QByteArray &name, const QByteArray &note)
 {
     const int file = ::openat(folder,
                               name.constData(),
                               O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
                               ownerReadsAndWrites);
     if (file < 0) {
-        return false;
+        return errno == EEXIST ? Outcome::NameIsTaken : Outcome::Failed;
     }
     const ssize_t written = ::write(file, note.constData(), static_cast<size_t>(note.size()));
     if (::close(file) == 0 && written == note.size()) {
-        return true;
+        return Outcome::Done;
     }
     ::unlinkat(folder, name.constData(), 0);
-    errno = ENOSPC;
-    return false;
+    return Outcome::Failed;
+}
+
+// Over nothing: a file may lie in the trash without a note.
+int renameToNewName(const QByteArray &path, int folder, const QByteArray &name)
+{
+#ifdef RENAME_NOREPLACE
+    if (::renameat2(AT_FDCWD, path.constData(), folder, name.constData(), RENAME_NOREPLACE) == 0) {
+        return 0;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return errno;
+    }
+#endif
+    struct stat status = {};
+    if (::fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+        return EEXIST;
+    }
+    if (errno != ENOENT) {
+        return errno;
+    }
+    return ::renameat(AT_FDCWD, path.constData(), folder, name.constData()) == 0 ? 0 : errno;
+}
+
+// Over a network a renaming may be done and the answer lost.
+bool hasArrived(const struct stat &file, const QByteArray &path, int folder, const QByteArray &name)
+{
+    struct stat status = {};
+    return ::fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0
+        && status.st_dev == file.st_dev && status.st_ino == file.st_ino
+        && ::lstat(path.constData(), &status) != 0 && errno == ENOENT;
+}
+
+Outcome moveUnder(const QByteArray &name,
+                  const QByteArray &note,
+                  const QByteArray &path,
+                  int files,
+                  int notes)
+{
+    struct stat file = {};
+    if (::lstat(path.constData(), &file) != 0) {
+        return Outcome::Failed;
+    }
+    const QByteArray noteName = name + noteEnding;
+    const Outcome noted = writeNote(notes, noteName, note);
+    if (noted != Outcome::Done) {
+        return noted;
+    }
+    const int error = renameToNewName(path, files, name);
+    if (error == 0 || hasArrived(file, path, files, name)) {
+        return Outcome::Done;
+    }
+    ::unlinkat(notes, noteName.constData(), 0);
+    return error == EEXIST ? Outcome::NameIsTaken : Outcome::Failed;
 }
 
 // By renaming alone: nothing is copied, so nothing can be lost half way.
@@ -131,27 +188,19 @@ bool moveInto(int trash, const QByteArray &path, const QByteArray &notedPath)
     if (!files.isOpen() || !notes.isOpen()) {
         return false;
     }
-    for (int number = 1;; ++number) {
-        const QByteArray name = nameInTrash(path.mid(path.lastIndexOf('/') + 1), number);
-        const QByteArray note = name + noteEnding;
-        if (!writeNote(notes.get(), note, noteOf(notedPath))) {
-            if (errno == EEXIST) {
-                continue;
-            }
-            return false;
-        }
-        struct stat status = {};
-        const bool isTaken =
-            ::fstatat(files.get(), name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0;
-        if (!isTaken
-            && ::renameat(AT_FDCWD, path.constData(), files.get(), name.constData()) == 0) {
-            return true;
-        }
-        ::unlinkat(notes.get(), note.constData(), 0);
-        if (!isTaken) {
-            return false;
-        }
+    const QByteArray fileName = path.mid(path.lastIndexOf('/') + 1);
+    const QByteArray note = noteOf(notedPath);
+    int number = 1;
+    Outcome outcome =
+        moveUnder(nameInTrash(fileName, number), note, path, files.get(), notes.get());
+    while (outcome == Outcome::NameIsTaken) {
+        // A trash may hold thousands of one name, and a deletion put thousands more there.
+        number = number < maxCountedNames
+            ? number + 1
+            : QRandomGenerator::global()->bounded(maxCountedNames, std::numeric_limits<int>::max());
+        outcome = moveUnder(nameInTrash(fileName, number), note, path, files.get(), notes.get());
     }
+    return outcome == Outcome::Done;
 }
 } // namespace
 

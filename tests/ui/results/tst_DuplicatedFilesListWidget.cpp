@@ -405,7 +405,7 @@ void tst_DuplicatedFilesListWidget::fillsTheViewWheneverThePageIsShown()
 
 void tst_DuplicatedFilesListWidget::resizesTheColumnOfPathsForEachScan()
 {
-    // The end of a scan fits the paths, and only them, to what is shown.
+    // The end of a scan fits the paths to what is shown; small sizes leave their column as it is.
     ResultsPage results;
     QTableView *const table = results.table();
     const int sizes = table->columnWidth(3);

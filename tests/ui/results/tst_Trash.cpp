@@ -21,6 +21,7 @@ private slots:
     void movesAFile_data();
     void movesAFile();
     void keepsFilesOfOneNameApart();
+    void movesManyFilesOfOneName();
     void movesANameOfAnyLength_data();
     void movesANameOfAnyLength();
     void movesALinkNotItsTarget_data();
@@ -98,6 +99,37 @@ void tst_Trash::keepsFilesOfOneNameApart()
     }
     contents.sort();
     QCOMPARE(contents, QStringList({QStringLiteral("first"), QStringLiteral("second")}));
+}
+
+void tst_Trash::movesManyFilesOfOneName()
+{
+    // However many files have one name, each gets another in the trash; one that lies there without
+    // a note is left alone.
+    const TempTree tree(path(QString()));
+    QVERIFY(QDir().mkpath(trash() + QStringLiteral("/files")));
+    const TempTree inFiles(trash() + QStringLiteral("/files"));
+    for (const char *name : {"a.txt", "a.txt-3"}) {
+        inFiles.file(QString::fromLatin1(name), "without a note");
+    }
+    constexpr int count = 40;
+    QStringList wanted = {QStringLiteral("without a note"), QStringLiteral("without a note")};
+    for (int i = 0; i < count; ++i) {
+        const QByteArray content = QByteArray::number(i);
+        QVERIFY(Trash::moveFile(tree.file(QStringLiteral("%1/a.txt").arg(i), content)));
+        wanted.append(QString::fromLatin1(content));
+    }
+    QStringList found;
+    for (const QString &name : inTrash(QStringLiteral("files"))) {
+        const QByteArray content = TempTree::read(trash() + QStringLiteral("/files/") + name);
+        found.append(QString::fromLatin1(content));
+        if (content != "without a note") {
+            QVERIFY(infoOf(name).contains('/' + content + "/a.txt\n"));
+        }
+    }
+    found.sort();
+    wanted.sort();
+    QCOMPARE(found, wanted);
+    QCOMPARE(inTrash(QStringLiteral("info")).size(), count);
 }
 
 void tst_Trash::movesANameOfAnyLength_data()
