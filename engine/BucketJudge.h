@@ -13,9 +13,9 @@
  * Decides which files of one bucket have the same content, reading as little as it can.
  *
  * Of files that stay as they are, every verdict is that of FileComparison::compare(), its log lines
- * included. A file that has left the bucket since is equal to none of another size. The beginning of each file is read
- * once, and equality that has been proven byte by byte carries over from pair to pair. Holds at most
- * 64 MiB of contents. Lives as long as its bucket is worked on.
+ * included. A file that has left the bucket since is equal to none of another size. The beginning of
+ * each file is read once, and equality that has been proven byte by byte carries over from pair to
+ * pair. Holds at most 64 MiB of contents. Lives as long as its bucket is worked on.
  */
 class BucketJudge final
 {
