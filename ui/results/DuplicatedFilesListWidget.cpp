@@ -8,6 +8,7 @@
 #include "ui/progress/ClickableLabel.h"
 #include "ui/results/DuplicatedFilesTableModel.h"
 #include "ui/results/FilepathDelegate.h"
+#include "ui/results/ListFile.h"
 #include "ui/results/Trash.h"
 
 #include <QAction>
@@ -22,7 +23,6 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QSaveFile>
 #include <QTableView>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -64,47 +64,6 @@ QString deleteCurrentFileText()
 {
     return QStringLiteral("Delete Current File");
 }
-
-// A pipe or a device is no place for a list: opening one may wait for ever, and putting the finished
-// list in its place would destroy it.
-bool canHoldList(const QString &path)
-{
-    const QFileInfo file(path);
-    return !file.exists() || file.isFile();
-}
-
-// For a file in a folder that takes no new one. What it held is put back if there is no room for all
-// of the list; until then it is not cut, so that on most file systems its own room stays its own.
-bool writeInPlace(const QString &path, const QByteArray &list)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
-        return false;
-    }
-    const qint64 oldSize = file.size();
-    const QByteArray old = file.read(list.size());
-    if (old.size() != qMin<qint64>(oldSize, list.size())) {
-        return false;
-    }
-    if (file.seek(0) && file.write(list) == list.size() && file.resize(list.size())) {
-        return true;
-    }
-    file.seek(0);
-    file.write(old);
-    file.resize(oldSize);
-    return false;
-}
-
-// The old list is whole until the new one is.
-bool writeList(const QString &path, const QByteArray &list)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return writeInPlace(path, list);
-    }
-    // A write that was cut short is no error to the toolkit.
-    return file.write(list) == list.size() && file.commit();
-}
 } // namespace
 
 DuplicatedFilesListWidget::DuplicatedFilesListWidget(Model *eventHub, MainWindow *window)
@@ -145,14 +104,14 @@ void DuplicatedFilesListWidget::saveList()
                                                       QStringLiteral("Save File"),
                                                       QDir::homePath(),
                                                       QStringLiteral("Text files (*.txt *.csv)"));
-    if (path.isEmpty() || !canHoldList(path)) {
+    if (path.isEmpty()) {
         return;
     }
     QByteArray list;
     for (int row = 0; row < tableModel->rowCount(); ++row) {
         list.append(lineOfRow(row).toLocal8Bit());
     }
-    if (writeList(path, list)) {
+    if (ListFile::write(path, list)) {
         showBox(QMessageBox::Information,
                 QStringLiteral("File saved"),
                 QStringLiteral("File saving complete!"));

@@ -68,6 +68,8 @@ private slots:
     void staysSilentWhereItCannotWrite_data();
     void staysSilentWhereItCannotWrite();
     void leavesAPipeAlone();
+    void savesUnderANameOfAnyLength_data();
+    void savesUnderANameOfAnyLength();
     void replacesTheOldList();
     void writesAFileInAClosedFolder();
     void keepsTheOldListIfTheNewOneIsCutShort();
@@ -422,6 +424,37 @@ void tst_ResultsActions::leavesAPipeAlone()
     results.press(QStringLiteral("Save List"));
     QCOMPARE(results.boxes.failures(), QStringList());
     QVERIFY(QFileInfo::exists(pipe) && !QFileInfo(pipe).isFile());
+}
+
+void tst_ResultsActions::savesUnderANameOfAnyLength_data()
+{
+    QTest::addColumn<quint64>("limit");
+    QTest::addColumn<bool>("isSaved");
+    QTest::newRow("with room") << quint64(1000000) << true;
+    QTest::newRow("without room") << quint64(20000) << false;
+}
+
+void tst_ResultsActions::savesUnderANameOfAnyLength()
+{
+    // A name of 255 bytes leaves no room for a longer temporary one. It is taken, and does not stay
+    // behind with a part of the list.
+    QFETCH(quint64, limit);
+    QFETCH(bool, isSaved);
+    ResultsPage results;
+    results.scanned({longGroup()});
+    const TempTree tree(path(QString()));
+    const QString file = tree.root() + QLatin1Char('/') + QString(255, QLatin1Char('n'));
+    results.boxes.expectFileDialog(QStringLiteral("Save File"), file);
+    if (isSaved) {
+        results.expectFileSaved();
+    }
+    {
+        const SmallFiles small(limit);
+        results.press(QStringLiteral("Save List"));
+    }
+    QCOMPARE(results.boxes.failures(), QStringList());
+    QCOMPARE(QFileInfo::exists(file), isSaved);
+    QVERIFY(!isSaved || TempTree::read(file).count('\n') == longGroup().size());
 }
 
 void tst_ResultsActions::replacesTheOldList()
