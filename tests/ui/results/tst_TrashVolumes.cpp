@@ -36,12 +36,16 @@ private:
 
 namespace
 {
-// No other process sees what is mounted from then on, and it goes with this one.
-bool hidesMounts()
+// No other process sees what is mounted from then on, and it goes with this one. In a changed root
+// that is no mount point others may see it until it is unmounted.
+bool ownsMounts()
 {
-    static const bool isHidden = ::unshare(CLONE_NEWNS) == 0
-        && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-    return isHidden;
+    static const bool isOwner = [] {
+        const bool isAlone = ::unshare(CLONE_NEWNS) == 0;
+        ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
+        return isAlone;
+    }();
+    return isOwner;
 }
 
 /** A file system in memory, mounted on a new folder for as long as it lives. */
@@ -53,7 +57,7 @@ public:
     Volume(const QString &folder, const char *options)
         : tree(folder)
         , place(QFile::encodeName(folder))
-        , mounted(hidesMounts() && ::mount("tmpfs", place.constData(), "tmpfs", 0, options) == 0)
+        , mounted(ownsMounts() && ::mount("tmpfs", place.constData(), "tmpfs", 0, options) == 0)
     {
     }
     ~Volume()
