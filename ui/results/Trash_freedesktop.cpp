@@ -32,6 +32,13 @@ constexpr int maxCountedNames = 10;
 
 enum class Outcome { Done, NameIsTaken, Failed };
 
+/** What is moved, and how it is told apart from what lies in the trash. */
+struct MovedFile {
+    QByteArray path;
+    QByteArray note;
+    struct stat status;
+};
+
 /** Closes what it was opened with. */
 class Descriptor final
 {
@@ -149,56 +156,49 @@ int renameToNewName(const QByteArray &path, int folder, const QByteArray &name)
 }
 
 // Over a network a renaming may be done and the answer lost.
-bool hasArrived(const struct stat &file, const QByteArray &path, int folder, const QByteArray &name)
+bool hasArrived(const MovedFile &file, int folder, const QByteArray &name)
 {
     struct stat status = {};
     return ::fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0
-        && status.st_dev == file.st_dev && status.st_ino == file.st_ino
-        && ::lstat(path.constData(), &status) != 0 && errno == ENOENT;
+        && status.st_dev == file.status.st_dev && status.st_ino == file.status.st_ino
+        && ::lstat(file.path.constData(), &status) != 0 && errno == ENOENT;
 }
 
-Outcome moveUnder(const QByteArray &name,
-                  const QByteArray &note,
-                  const QByteArray &path,
-                  int files,
-                  int notes)
+Outcome moveUnder(const QByteArray &name, const MovedFile &file, int files, int notes)
 {
-    struct stat file = {};
-    if (::lstat(path.constData(), &file) != 0) {
-        return Outcome::Failed;
-    }
     const QByteArray noteName = name + noteEnding;
-    const Outcome noted = writeNote(notes, noteName, note);
+    const Outcome noted = writeNote(notes, noteName, file.note);
     if (noted != Outcome::Done) {
         return noted;
     }
-    const int error = renameToNewName(path, files, name);
-    if (error == 0 || hasArrived(file, path, files, name)) {
+    const int error = renameToNewName(file.path, files, name);
+    if (error == 0 || hasArrived(file, files, name)) {
         return Outcome::Done;
     }
     ::unlinkat(notes, noteName.constData(), 0);
     return error == EEXIST ? Outcome::NameIsTaken : Outcome::Failed;
 }
 
+// A trash may hold thousands of one name, and a deletion put thousands more there.
+int nextNumber(int number)
+{
+    return number < maxCountedNames
+        ? number + 1
+        : QRandomGenerator::global()->bounded(maxCountedNames, std::numeric_limits<int>::max());
+}
+
 // By renaming alone: nothing is copied, so nothing can be lost half way.
-bool moveInto(int trash, const QByteArray &path, const QByteArray &notedPath)
+bool moveInto(int trash, const MovedFile &file)
 {
     const Descriptor files(openOwnFolder(trash, "files"));
     const Descriptor notes(openOwnFolder(trash, "info"));
     if (!files.isOpen() || !notes.isOpen()) {
         return false;
     }
-    const QByteArray fileName = path.mid(path.lastIndexOf('/') + 1);
-    const QByteArray note = noteOf(notedPath);
-    int number = 1;
-    Outcome outcome =
-        moveUnder(nameInTrash(fileName, number), note, path, files.get(), notes.get());
-    while (outcome == Outcome::NameIsTaken) {
-        // A trash may hold thousands of one name, and a deletion put thousands more there.
-        number = number < maxCountedNames
-            ? number + 1
-            : QRandomGenerator::global()->bounded(maxCountedNames, std::numeric_limits<int>::max());
-        outcome = moveUnder(nameInTrash(fileName, number), note, path, files.get(), notes.get());
+    const QByteArray fileName = file.path.mid(file.path.lastIndexOf('/') + 1);
+    Outcome outcome = Outcome::NameIsTaken;
+    for (int number = 1; outcome == Outcome::NameIsTaken; number = nextNumber(number)) {
+        outcome = moveUnder(nameInTrash(fileName, number), file, files.get(), notes.get());
     }
     return outcome == Outcome::Done;
 }
@@ -206,24 +206,26 @@ bool moveInto(int trash, const QByteArray &path, const QByteArray &notedPath)
 
 bool Trash::moveFile(const QString &path)
 {
-    const QByteArray file = QFile::encodeName(QFileInfo(path).absoluteFilePath());
+    const QFileInfo info(path);
+    MovedFile file = {QFile::encodeName(info.absoluteFilePath()), {}, {}};
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    struct stat status = {};
-    if (::lstat(file.constData(), &status) != 0 || !QDir::isAbsolutePath(data)
+    if (::lstat(file.path.constData(), &file.status) != 0 || !QDir::isAbsolutePath(data)
         || !QDir().mkpath(data)) {
         return false;
     }
     // Of the folder: a link may lead to another volume than the one it lies on.
-    const QString folder = QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath();
+    const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
     const QString topFolder = QStorageInfo(folder).rootPath();
     if (topFolder == QStorageInfo(data).rootPath()) {
         const Descriptor place(
             ::open(QFile::encodeName(data).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         const Descriptor trash(openOwnFolder(place.get(), "Trash"));
-        return moveInto(trash.get(), file, file);
+        file.note = noteOf(file.path);
+        return moveInto(trash.get(), file);
     }
     const Descriptor trash(openTrashOfVolume(topFolder));
     // The note is relative to the volume, which may be mounted elsewhere the next time.
-    const QString moved = folder % QLatin1Char('/') % QFileInfo(path).fileName();
-    return moveInto(trash.get(), file, QFile::encodeName(QDir(topFolder).relativeFilePath(moved)));
+    const QString moved = folder % QLatin1Char('/') % info.fileName();
+    file.note = noteOf(QFile::encodeName(QDir(topFolder).relativeFilePath(moved)));
+    return moveInto(trash.get(), file);
 }
