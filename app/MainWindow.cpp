@@ -8,6 +8,7 @@
 #include "engine/Configuration.h"
 #include "engine/FileFinderEngine.h"
 #include "ui/Picture.h"
+#include "ui/SideWindow.h"
 #include "ui/config/ScanConfigurationWidget.h"
 #include "ui/progress/AboutWidget.h"
 #include "ui/progress/StatusBarWidget.h"
@@ -233,8 +234,7 @@ void MainWindow::showAboutDialog()
 {
     auto *const about = new AboutWidget(nullptr);
     about->setAttribute(Qt::WA_DeleteOnClose);
-    about->setAttribute(Qt::WA_QuitOnClose, false);
-    connect(qApp, &QCoreApplication::aboutToQuit, about, &QObject::deleteLater);
+    SideWindow::endWithProgram(about);
     about->show();
 }
 

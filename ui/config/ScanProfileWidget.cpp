@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "ui/config/ScanProfileWidget.h"
 
+#include "ui/SideWindow.h"
 #include "ui/config/SpinBoxFileSize.h"
 #include "ui/filetypes/FileTypesWidget.h"
 #include "ui/filetypes/MaskEntry.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -219,8 +219,7 @@ void ScanProfileWidget::chooseTypes(const QString &chosen, const char *receiver)
     // A window of its own, which deletes itself; pressed again, the button opens another one.
     auto *const window = new FileTypesWidget;
     window->setAttribute(Qt::WA_DeleteOnClose); // by its frame, too
-    window->setAttribute(Qt::WA_QuitOnClose, false); // the main window alone keeps the program
-    connect(qApp, &QCoreApplication::aboutToQuit, window, &QObject::deleteLater);
+    SideWindow::endWithProgram(window);
     connect(window, SIGNAL(selectedTypesSignal(QStringList)), this, receiver);
     window->setCurrentMaskList(MaskEntry::fromLine(chosen));
     window->show();

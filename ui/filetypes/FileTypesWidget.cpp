@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "ui/filetypes/FileTypesWidget.h"
 
+#include "ui/SideWindow.h"
 #include "ui/filetypes/FileTypesEditWidget.h"
 #include "ui/filetypes/MaskFile.h"
 
-#include <QApplication>
 #include <QDebug>
 #include <QFile>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QListWidget>
 #include <QMessageBox>
@@ -224,9 +225,8 @@ void FileTypesWidget::resizeToEntries()
 FileTypesEditWidget *FileTypesWidget::createEditor() const
 {
     auto *const editor = new FileTypesEditWidget;
-    editor->setAttribute(Qt::WA_QuitOnClose, false);
+    SideWindow::endWithProgram(editor);
     editor->setAllFilesMask(maskEntries);
-    connect(qApp, &QCoreApplication::aboutToQuit, editor, &QObject::deleteLater);
     return editor;
 }
 
