@@ -5,6 +5,7 @@
 #include "engine/FileFinderEngine.h"
 
 #include <QSignalSpy>
+#include <QTest>
 
 ScanProfile Scan::profile(Mode mode)
 {
@@ -15,6 +16,15 @@ ScanProfile Scan::profile(Mode mode)
     profile.sha1Hash = mode == Sha1;
     profile.crcHash = mode == Crc;
     return profile;
+}
+
+void Scan::addModes()
+{
+    QTest::addColumn<int>("mode");
+    QTest::newRow("byte by byte") << static_cast<int>(ByteByByte);
+    QTest::newRow("MD5") << static_cast<int>(Md5);
+    QTest::newRow("SHA-1") << static_cast<int>(Sha1);
+    QTest::newRow("CRC") << static_cast<int>(Crc);
 }
 
 QList<QStringList> Scan::run(const QStringList &folders, const ScanProfile &profile)

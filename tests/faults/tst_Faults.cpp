@@ -59,15 +59,6 @@ QString spoiledPath()
 {
     return QFile::decodeName(FaultShim::spoiledPath());
 }
-
-void addModes()
-{
-    QTest::addColumn<int>("mode");
-    QTest::newRow("byte by byte") << static_cast<int>(Scan::ByteByByte);
-    QTest::newRow("MD5") << static_cast<int>(Scan::Md5);
-    QTest::newRow("SHA-1") << static_cast<int>(Scan::Sha1);
-    QTest::newRow("CRC") << static_cast<int>(Scan::Crc);
-}
 } // namespace
 
 void tst_Faults::prepare()
@@ -198,7 +189,7 @@ void tst_Faults::scanOutlivesFault()
 
 void tst_Faults::shortReadsChangeNothing_data()
 {
-    addModes();
+    Scan::addModes();
 }
 
 void tst_Faults::shortReadsChangeNothing()

@@ -143,20 +143,11 @@ void removeBelow(int parent, const QByteArrayList &chain, const QByteArrayList &
         }
     }
 }
-
-void addModes()
-{
-    QTest::addColumn<int>("mode");
-    QTest::newRow("byte by byte") << static_cast<int>(Scan::ByteByByte);
-    QTest::newRow("MD5") << static_cast<int>(Scan::Md5);
-    QTest::newRow("SHA-1") << static_cast<int>(Scan::Sha1);
-    QTest::newRow("CRC") << static_cast<int>(Scan::Crc);
-}
 } // namespace
 
 void tst_HostileNames::namesComeOutAsTheyAre_data()
 {
-    addModes();
+    Scan::addModes();
 }
 
 void tst_HostileNames::namesComeOutAsTheyAre()
@@ -230,7 +221,7 @@ void tst_HostileNames::namesThatAreNoTextAreNotListed()
 
 void tst_HostileNames::pathsBeyondTheLimitOfTheSystemAreLeftOut_data()
 {
-    addModes();
+    Scan::addModes();
 }
 
 void tst_HostileNames::pathsBeyondTheLimitOfTheSystemAreLeftOut()

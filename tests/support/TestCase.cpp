@@ -109,6 +109,11 @@ QString TestCase::home() const
     return folder->path() + QStringLiteral("/home");
 }
 
+QString TestCase::homeTrash() const
+{
+    return home() + QStringLiteral("/.local/share/Trash");
+}
+
 void TestCase::handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     QtMessageHandler next = nullptr;

@@ -33,6 +33,8 @@ public:
     /** Absolute path of a name below the working folder of the test function. */
     QString path(const QString &name) const;
     QString home() const;
+    /** Where the trash of the home folder is, or would be. */
+    QString homeTrash() const;
 
 protected slots:
     /** Overrides call these first (init) or last (cleanup). */

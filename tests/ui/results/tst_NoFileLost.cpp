@@ -78,6 +78,15 @@ void change(const TempTree &tree, const QString &name, const QString &kind)
     }
 }
 
+// A file that is shown with its twin, and stands beside a folder with a file in it.
+QString scanned(const TempTree &tree, ResultsPage *results)
+{
+    tree.file(QStringLiteral("folder/neighbour"), "content");
+    const QString file = tree.file(QStringLiteral("file"), "content");
+    results->scanned({{file, tree.file(QStringLiteral("twin"), "content")}});
+    return file;
+}
+
 void addChanges(const QStringList &kinds)
 {
     QTest::addColumn<QString>("kind");
@@ -90,7 +99,7 @@ void addChanges(const QStringList &kinds)
 // The contents of the trash by the paths that its notes tell.
 QMap<QString, QByteArray> tst_NoFileLost::trashed() const
 {
-    const QString trash = home() + QStringLiteral("/.local/share/Trash/");
+    const QString trash = homeTrash() + QLatin1Char('/');
     QMap<QString, QByteArray> contents;
     const auto files = contentsBelow(trash + QStringLiteral("files"));
     for (auto file = files.begin(); file != files.end(); ++file) {
@@ -157,10 +166,8 @@ void tst_NoFileLost::movesWhatTheFileHasBecome()
     // What stands in the place of a ticked file goes to the trash whole, and nothing else does.
     QFETCH(QString, kind);
     const TempTree tree(path(QStringLiteral("tree")));
-    tree.file(QStringLiteral("folder/neighbour"), "content");
-    const QString file = tree.file(QStringLiteral("file"), "content");
     ResultsPage results;
-    results.scanned({{file, tree.file(QStringLiteral("twin"), "content")}});
+    const QString file = scanned(tree, &results);
     QCOMPARE(results.tickedPaths(), QStringList(file));
     change(tree, QStringLiteral("file"), kind);
     QMap<QString, QByteArray> left = contentsBelow(tree.root());
@@ -196,10 +203,8 @@ void tst_NoFileLost::deletesWhatTheRowNamesAlone()
     // Of what stands in the place of the file, a file or a link goes; a folder stays with all in it.
     QFETCH(QString, kind);
     const TempTree tree(path(QStringLiteral("tree")));
-    tree.file(QStringLiteral("folder/neighbour"), "content");
-    const QString file = tree.file(QStringLiteral("file"), "content");
     ResultsPage results;
-    results.scanned({{file, tree.file(QStringLiteral("twin"), "content")}});
+    const QString file = scanned(tree, &results);
     change(tree, QStringLiteral("file"), kind);
     QMap<QString, QByteArray> left = contentsBelow(tree.root());
     if (kind != QStringLiteral("becomes a folder")) {

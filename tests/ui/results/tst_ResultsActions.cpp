@@ -80,7 +80,7 @@ private slots:
 private:
     QString trashed(const QString &name) const
     {
-        return home() + QStringLiteral("/.local/share/Trash/files/") + name;
+        return homeTrash() + QStringLiteral("/files/") + name;
     }
     // The dialog asks whether to overwrite the file before it returns, so the driver must be free.
     static void expectOverwriting(ResultsPage *results, const QString &file)

@@ -42,15 +42,14 @@ private slots:
     void movesToTheTrashOfAnotherVolume();
 
 private:
-    QString trash() const { return home() + QStringLiteral("/.local/share/Trash"); }
     QByteArray infoOf(const QString &name) const
     {
-        return TempTree::read(trash() + QStringLiteral("/info/") + name
+        return TempTree::read(homeTrash() + QStringLiteral("/info/") + name
                               + QStringLiteral(".trashinfo"));
     }
     QStringList inTrash(const QString &part) const
     {
-        return QDir(trash() + QLatin1Char('/') + part).entryList(QDir::Files | QDir::System);
+        return QDir(homeTrash() + QLatin1Char('/') + part).entryList(QDir::Files | QDir::System);
     }
 };
 
@@ -74,7 +73,7 @@ void tst_Trash::movesAFile()
     const QString file = TempTree(path(QString())).file(name, "content");
     QVERIFY(Trash::moveFile(file));
     QVERIFY(!QFileInfo::exists(file));
-    QCOMPARE(TempTree::read(trash() + QStringLiteral("/files/") + name), QByteArray("content"));
+    QCOMPARE(TempTree::read(homeTrash() + QStringLiteral("/files/") + name), QByteArray("content"));
     const QList<QByteArray> lines = infoOf(name).split('\n');
     QCOMPARE(lines.size(), 4);
     QCOMPARE(lines.at(0), QByteArray("[Trash Info]"));
@@ -93,7 +92,7 @@ void tst_Trash::keepsFilesOfOneNameApart()
     QCOMPARE(inTrash(QStringLiteral("files")).size(), 2);
     QStringList contents;
     for (const QString &name : inTrash(QStringLiteral("files"))) {
-        const QByteArray content = TempTree::read(trash() + QStringLiteral("/files/") + name);
+        const QByteArray content = TempTree::read(homeTrash() + QStringLiteral("/files/") + name);
         QVERIFY(infoOf(name).contains(content == "first" ? "/one/a.txt\n" : "/two/a.txt\n"));
         contents.append(QString::fromLatin1(content));
     }
@@ -106,8 +105,8 @@ void tst_Trash::movesManyFilesOfOneName()
     // However many files have one name, each gets another in the trash; one that lies there without
     // a note is left alone.
     const TempTree tree(path(QString()));
-    QVERIFY(QDir().mkpath(trash() + QStringLiteral("/files")));
-    const TempTree inFiles(trash() + QStringLiteral("/files"));
+    QVERIFY(QDir().mkpath(homeTrash() + QStringLiteral("/files")));
+    const TempTree inFiles(homeTrash() + QStringLiteral("/files"));
     for (const char *name : {"a.txt", "a.txt-3"}) {
         inFiles.file(QString::fromLatin1(name), "without a note");
     }
@@ -120,7 +119,7 @@ void tst_Trash::movesManyFilesOfOneName()
     }
     QStringList found;
     for (const QString &name : inTrash(QStringLiteral("files"))) {
-        const QByteArray content = TempTree::read(trash() + QStringLiteral("/files/") + name);
+        const QByteArray content = TempTree::read(homeTrash() + QStringLiteral("/files/") + name);
         found.append(QString::fromLatin1(content));
         if (content != "without a note") {
             QVERIFY(infoOf(name).contains('/' + content + "/a.txt\n"));
@@ -155,7 +154,7 @@ void tst_Trash::movesANameOfAnyLength()
     QCOMPARE(inTrash(QStringLiteral("files")).size(), 2);
     QCOMPARE(inTrash(QStringLiteral("info")).size(), 2);
     for (const QString &moved : inTrash(QStringLiteral("files"))) {
-        const QByteArray content = TempTree::read(trash() + QStringLiteral("/files/") + moved);
+        const QByteArray content = TempTree::read(homeTrash() + QStringLiteral("/files/") + moved);
         const QByteArray whole =
             QFile::encodeName(tree.root()) + '/' + content + '/' + QFile::encodeName(name);
         QVERIFY(infoOf(moved).contains("\nPath=" + whole.toPercentEncoding("/") + '\n'));
@@ -186,7 +185,7 @@ void tst_Trash::movesALinkNotItsTarget()
     QCOMPARE(TempTree::read(whole), QByteArray("content"));
     QVERIFY(!QFileInfo(tree.path(QStringLiteral("link"))).isSymLink());
     QByteArray moved(1000, '\0');
-    const QByteArray link = QFile::encodeName(trash() + QStringLiteral("/files/link"));
+    const QByteArray link = QFile::encodeName(homeTrash() + QStringLiteral("/files/link"));
     moved.resize(static_cast<int>(
         ::readlink(link.constData(), moved.data(), static_cast<size_t>(moved.size()))));
     QCOMPARE(QFile::decodeName(moved), target);
@@ -200,7 +199,7 @@ void tst_Trash::movesAFolderWhole()
     tree.file(QStringLiteral("folder/a/b.txt"), "content");
     QVERIFY(Trash::moveFile(tree.path(QStringLiteral("folder"))));
     QVERIFY(!QFileInfo::exists(tree.path(QStringLiteral("folder"))));
-    QCOMPARE(TempTree::read(trash() + QStringLiteral("/files/folder/a/b.txt")),
+    QCOMPARE(TempTree::read(homeTrash() + QStringLiteral("/files/folder/a/b.txt")),
              QByteArray("content"));
     QVERIFY(
         infoOf(QStringLiteral("folder"))

@@ -51,10 +51,9 @@ private slots:
     void fileStaysWithoutANote();
 
 private:
-    QString trash() const { return home() + QStringLiteral("/.local/share/Trash"); }
     QByteArray inTrash(const QString &name) const
     {
-        return TempTree::read(trash() + QLatin1Char('/') + name);
+        return TempTree::read(homeTrash() + QLatin1Char('/') + name);
     }
 };
 
@@ -78,13 +77,13 @@ void tst_TrashRenaming::replacesNothing()
     QFETCH(bool, isSafe);
     renaming = isSafe ? Renaming::AsUsual : Renaming::NotWithoutReplacing;
     const TempTree tree(path(QString()));
-    QVERIFY(QDir().mkpath(trash() + QStringLiteral("/files")));
-    const TempTree inFiles(trash() + QStringLiteral("/files"));
+    QVERIFY(QDir().mkpath(homeTrash() + QStringLiteral("/files")));
+    const TempTree inFiles(homeTrash() + QStringLiteral("/files"));
     inFiles.file(QStringLiteral("a"), "without a note");
     QVERIFY(Trash::moveFile(tree.file(QStringLiteral("a"), "content")));
     QCOMPARE(inTrash(QStringLiteral("files/a")), QByteArray("without a note"));
     QCOMPARE(inTrash(QStringLiteral("files/a-2")), QByteArray("content"));
-    QVERIFY(!QFileInfo::exists(trash() + QStringLiteral("/info/a.trashinfo")));
+    QVERIFY(!QFileInfo::exists(homeTrash() + QStringLiteral("/info/a.trashinfo")));
     QVERIFY(inTrash(QStringLiteral("info/a-2.trashinfo")).contains("/a\n"));
 }
 
@@ -106,8 +105,8 @@ void tst_TrashRenaming::fileStaysWithoutANote()
     renaming = Renaming::Refused;
     QVERIFY(!Trash::moveFile(file));
     QCOMPARE(TempTree::read(file), QByteArray("content"));
-    QVERIFY(QDir(trash() + QStringLiteral("/files")).isEmpty());
-    QVERIFY(QDir(trash() + QStringLiteral("/info")).isEmpty());
+    QVERIFY(QDir(homeTrash() + QStringLiteral("/files")).isEmpty());
+    QVERIFY(QDir(homeTrash() + QStringLiteral("/info")).isEmpty());
 }
 
 TWINSIFT_TEST_MAIN(tst_TrashRenaming)

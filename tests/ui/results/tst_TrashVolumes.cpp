@@ -28,10 +28,7 @@ private slots:
 
 private:
     QString volumePath() const { return path(QStringLiteral("volume")); }
-    bool isHomeTrashEmpty() const
-    {
-        return QDir(home() + QStringLiteral("/.local/share/Trash/files")).isEmpty();
-    }
+    bool isHomeTrashEmpty() const { return QDir(homeTrash() + QStringLiteral("/files")).isEmpty(); }
 };
 
 namespace
@@ -232,7 +229,7 @@ void tst_TrashVolumes::homeTrashOfAnotherVolumeTakesNothing()
     // A home trash on which another volume is mounted would take a copy: the file stays instead.
     const TempTree tree(path(QString()));
     const QString file = tree.file(QStringLiteral("a.txt"), "content");
-    const Volume volume(home() + QStringLiteral("/.local/share/Trash"), "size=64k");
+    const Volume volume(homeTrash(), "size=64k");
     if (!volume.isMounted()) {
         QSKIP("only the super-user can mount a volume");
     }
