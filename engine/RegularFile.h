@@ -23,6 +23,8 @@ public:
     bool open(const QString &path);
     /** Bytes that the file had when it was opened. */
     qint64 size() const;
+    /** When it was modified last, as of its opening: nanoseconds since 1970 (UTC). */
+    qint64 modified() const;
     /** Bytes read, fewer than asked for only at the end; -1 when reading failed. */
     qint64 read(char *data, qint64 maxBytes);
     /** Why open() or read() failed, as the system words it. */

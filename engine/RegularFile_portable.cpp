@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "engine/RegularFile.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 
@@ -39,6 +40,11 @@ bool RegularFile::open(const QString &path)
 qint64 RegularFile::size() const
 {
     return handle->bytes;
+}
+
+qint64 RegularFile::modified() const
+{
+    return QFileInfo(handle->file).lastModified().toMSecsSinceEpoch() * 1000000;
 }
 
 qint64 RegularFile::read(char *data, qint64 maxBytes)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "engine/FileTime_posix.h"
 #include "engine/RegularFile.h"
 
 #include <QFile>
@@ -12,6 +13,7 @@
 struct RegularFile::Handle {
     int descriptor = -1;
     qint64 bytes = 0;
+    qint64 modified = 0;
     QString error;
 
     Handle() = default;
@@ -61,12 +63,18 @@ bool RegularFile::open(const QString &path)
         return handle->fail(QStringLiteral("not a regular file"));
     }
     handle->bytes = status.st_size;
+    handle->modified = FileTime::modified(status);
     return true;
 }
 
 qint64 RegularFile::size() const
 {
     return handle->bytes;
+}
+
+qint64 RegularFile::modified() const
+{
+    return handle->modified;
 }
 
 qint64 RegularFile::read(char *data, qint64 maxBytes)

@@ -4,6 +4,7 @@
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
 
+#include <QDateTime>
 #include <QFile>
 
 #include <memory>
@@ -21,6 +22,7 @@ private slots:
     void unreadableFile();
     void failedRead();
     void sizes();
+    void modificationTime();
 
 private:
     std::unique_ptr<TempTree> tree;
@@ -121,6 +123,20 @@ void tst_RegularFile::sizes()
     QCOMPARE(RegularFile::sizeOf(tree->path(QStringLiteral("none"))), 0);
     const qint64 bytes = Q_INT64_C(5) << 32;
     QCOMPARE(RegularFile::sizeOf(tree->sparseFile(QStringLiteral("large"), bytes)), bytes);
+}
+
+void tst_RegularFile::modificationTime()
+{
+    // The time of the last change of the content, in nanoseconds since 1970.
+    const QString path = tree->file(QStringLiteral("file"), QByteArrayLiteral("abc"));
+    const QDateTime time = QDateTime::fromMSecsSinceEpoch(1234567890123);
+    QFile changed(path);
+    QVERIFY(changed.open(QIODevice::ReadWrite));
+    QVERIFY(changed.setFileTime(time, QFileDevice::FileModificationTime));
+    changed.close();
+    RegularFile file;
+    QVERIFY(file.open(path));
+    QCOMPARE(file.modified(), Q_INT64_C(1234567890123000000));
 }
 
 TWINSIFT_TEST_MAIN(tst_RegularFile)
