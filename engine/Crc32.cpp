@@ -3,7 +3,6 @@
 
 #include "engine/RegularFile.h"
 
-#include <QThread>
 #include <QtEndian>
 
 #include <algorithm>
@@ -58,20 +57,25 @@ Crc32::Crc32()
 quint32 Crc32::calculateFromFile(QString fileName) const
 {
     RegularFile file;
-    if (!file.open(fileName)) {
-        return 0;
-    }
-    const qint64 bufferBytes = std::min(file.size(), blockBytes);
+    bool isWhole = false;
+    return file.open(fileName) ? calculate(&file, untilInterrupted(), &isWhole) : 0;
+}
+
+quint32 Crc32::calculate(RegularFile *file, const GoOn &goOn, bool *isWhole) const
+{
+    *isWhole = false;
+    const qint64 bufferBytes = std::clamp(file->size(), qint64(1), blockBytes);
     const std::unique_ptr<char[]> buffer(new char[static_cast<std::size_t>(bufferBytes)]);
     quint32 crc = startValue;
-    for (qint64 rest = file.size(); rest > 0;) {
-        const qint64 bytes = file.read(buffer.get(), std::min(rest, bufferBytes));
-        if (bytes <= 0 || QThread::currentThread()->isInterruptionRequested()) {
+    for (qint64 rest = file->size(); rest > 0;) {
+        const qint64 bytes = file->read(buffer.get(), std::min(rest, bufferBytes));
+        if (bytes <= 0 || !goOn()) {
             return 0;
         }
         crc = advance(crc, buffer.get(), bytes);
         rest -= bytes;
     }
+    *isWhole = file->size() > 0 || file->read(buffer.get(), bufferBytes) == 0;
     return crc ^ startValue;
 }
 

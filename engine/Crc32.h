@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "engine/GoOn.h"
+
 #include <QMap>
 #include <QString>
 
 #include <array>
+
+class RegularFile;
 
 /**
  * The CRC-32 of zlib and PNG (reflected, polynomial 0xEDB88320), of a whole file or of data that is
@@ -22,6 +26,13 @@ public:
      * thread is asked to interrupt its work meanwhile.
      */
     quint32 calculateFromFile(QString fileName) const;
+
+    /**
+     * Of an open file, from its place on, as many bytes as it had when it was opened. Zero when they
+     * could not be read, or the work was ended; only otherwise they were the whole file. A file of
+     * no bytes that has some to read is not whole.
+     */
+    quint32 calculate(RegularFile *file, const GoOn &goOn, bool *isWhole) const;
 
     /** Starts the instance, or starts it again. */
     void initInstance(int id);

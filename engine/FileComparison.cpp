@@ -13,7 +13,6 @@ namespace
 {
 using FileComparison::Verdict;
 
-constexpr qint64 stepBytes = 256;
 // The first block is small, so that an early difference costs little.
 constexpr qint64 firstBlockBytes = qint64(4) * 1024;
 constexpr qint64 maxBlockBytes = qint64(128) * 1024;
@@ -24,9 +23,7 @@ struct Side {
 
     Verdict fail() const
     {
-        const QString text =
-            QStringLiteral("File %1 cannot opened! %2").arg(path, file.errorString());
-        qCritical("%s", qUtf8Printable(text));
+        FileComparison::complain(path, file.errorString());
         return Verdict::Failed;
     }
 };
@@ -34,7 +31,8 @@ struct Side {
 // What the last step of the shorter file decides, before anything is read.
 bool canBeEqual(qint64 bytesOfA, qint64 bytesOfB)
 {
-    return bytesOfA == bytesOfB || (bytesOfA < bytesOfB && bytesOfA % stepBytes == 0);
+    return bytesOfA == bytesOfB
+        || (bytesOfA < bytesOfB && bytesOfA % FileComparison::stepBytes == 0);
 }
 
 Verdict compareBlock(Side &a, Side &b, char *dataA, char *dataB, qint64 bytes)
@@ -80,4 +78,10 @@ Verdict FileComparison::compare(const QString &a, const QString &b)
         verdict = compareBlock(sideA, sideB, buffer.get(), buffer.get() + bufferBytes, blockBytes);
     }
     return verdict;
+}
+
+void FileComparison::complain(const QString &path, const QString &reason)
+{
+    const QString text = QStringLiteral("File %1 cannot opened! %2").arg(path, reason);
+    qCritical("%s", qUtf8Printable(text));
 }

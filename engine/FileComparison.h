@@ -6,6 +6,9 @@
 /** Compares the contents of two files, byte by byte. */
 namespace FileComparison
 {
+/** Of the comparison; the end of a file is looked for between them. */
+constexpr qint64 stepBytes = 256;
+
 enum class Verdict {
     Equal,
     Different,
@@ -22,4 +25,7 @@ enum class Verdict {
  * when the thread is asked to interrupt its work.
  */
 Verdict compare(const QString &a, const QString &b);
+
+/** Leaves the line in the log of a file that cannot be opened or read. */
+void complain(const QString &path, const QString &reason);
 } // namespace FileComparison

@@ -4,30 +4,31 @@
 #include "app/Controller.h"
 #include "app/Model.h"
 #include "app/ModelEvent.h"
-#include "engine/BucketJudge.h"
+#include "engine/BucketPairs.h"
 #include "engine/Configuration.h"
+#include "engine/ContentClasses.h"
 #include "engine/DuplicateGroup.h"
 #include "engine/FileComparison.h"
 #include "engine/FileKey.h"
 #include "engine/FileMasks.h"
 #include "engine/FolderListing.h"
 #include "engine/RegularFile.h"
+#include "engine/ScanFindings.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QThread>
 
+#include <iterator>
+#include <map>
 #include <utility>
-
-// Exported by the toolkit but in none of its public headers: the events posted to this thread that
-// wait to be delivered.
-Q_CORE_EXPORT uint qGlobalPostedEventsCount();
+#include <vector>
 
 namespace
 {
 constexpr qint64 maxNanosecondsBetweenEventPasses = qint64(500) * 1000;
-// Of pairs that are judged from memory: so many are over in some microseconds.
-constexpr int maxPairsBetweenEventPasses = 1024;
+// A file that is read in less time is read whole, whatever has been posted meanwhile.
+constexpr qint64 maxMillisecondsOfReading = 50;
 
 bool isLeaving()
 {
@@ -94,7 +95,39 @@ struct FileFinderEngine::Chain {
 struct FileFinderEngine::Bucket {
     int index;
     QString key;
+    QVector<int> files; // as indexes into allFiles
     QStringList paths;
+};
+
+// How far the files of a bucket have been put into its group.
+struct FileFinderEngine::Placement {
+    const Bucket *bucket;
+    const std::vector<ContentClasses::File> *files;
+    const BucketPairs *pairs;
+    DuplicateGroup group;
+    std::vector<bool> isClassPlaced; // by the first file of the class
+
+    const ContentClasses::File &file(int index) const
+    {
+        return (*files)[static_cast<std::size_t>(index)];
+    }
+};
+
+// What is kept of a file that was read for its checksum.
+struct FileFinderEngine::ReadFile {
+    QString key; // null if it was not read to its end
+    qint64 size;
+    qint64 modified;
+    quint64 contentHash;
+
+    bool operator==(const ReadFile &other) const
+    {
+        return size == other.size && contentHash == other.contentHash && key == other.key;
+    }
+    friend uint qHash(const ReadFile &file, uint seed)
+    {
+        return qHash(file.key, seed) ^ qHash(file.size ^ static_cast<qint64>(file.contentHash));
+    }
 };
 
 FileFinderEngine::FileFinderEngine(Model *eventModel, Controller *signalController, QObject *parent)
@@ -148,6 +181,8 @@ void FileFinderEngine::runScan()
     resetCounters();
     allFiles.clear();
     duplicatedGroups.clear();
+    exactGroups.clear();
+    *ScanFindings::instance() = ScanFindings();
     stopRequested = isLeaving();
     const ScanProfile profile = Configuration::instance()->scanProfile;
     const QStringList folders = Configuration::instance()->folders;
@@ -160,7 +195,9 @@ void FileFinderEngine::runScan()
         startFindDuplicatedFilesBase();
     }
     stopRequested = stopRequested || isLeaving();
-    emit findDuplicatedFilesFinished(groupsOfSeveral());
+    const QList<QStringList> groups = groupsOfSeveral();
+    publish(groups);
+    emit findDuplicatedFilesFinished(groups);
     if (stopRequested && model != nullptr) {
         model->emitModelEvent(FindDuplicatedFilesStoppedEvent());
     }
@@ -213,7 +250,7 @@ void FileFinderEngine::walkFolder(const Walk &walk,
         const QString path = frame.prefix + name;
         if (!isExcluded(name, walk.excludeMasks) && hasAcceptedSize(path, walk.profile)) {
             allFiles.append(path);
-            processPendingEvents();
+            letEventsIn();
         }
     }
     if (names != nullptr) {
@@ -257,8 +294,9 @@ void FileFinderEngine::startFindDuplicatedFilesBase()
     }
     int index = 0;
     for (auto it = buckets.cbegin(); it != buckets.cend(); ++it, ++index) {
-        Bucket bucket = {index, it.key(), {}};
+        Bucket bucket = {index, it.key(), {}, {}};
         for (int file = it->first; file >= 0; file = next.at(file)) {
+            bucket.files.append(file);
             bucket.paths.append(files.at(file));
         }
         if (!confirmBucket(bucket)) {
@@ -284,7 +322,7 @@ bool FileFinderEngine::sortIntoBuckets(const QStringList &files,
         if (stopRequested) {
             return false;
         }
-        processPendingEvents();
+        letEventsIn();
     }
     return true;
 }
@@ -295,42 +333,133 @@ bool FileFinderEngine::confirmBucket(const Bucket &bucket)
     if (count < 2) {
         return true;
     }
-    BucketJudge judge(bucket.paths, [this](const QString &path) { return fileChecksum(path); });
-    DuplicateGroup group(bucket.paths, duplicatedGroups.value(bucket.key));
-    // No pair is left out: each one adds to the sum of the sizes, also when both files are placed.
-    for (int j = 0; j < count - 1; ++j) {
-        for (int k = j + 1; k < count; ++k) {
-            --pairsToEventPass;
-            if (pairsToEventPass <= 0 || judge.takeHasRead()) {
-                pairsToEventPass = maxPairsBetweenEventPasses;
-                processPendingEvents();
-            }
-            if (stopRequested) {
-                return false;
-            }
-            if (judge.areEqual(j, k)) {
-                placePair(bucket, &judge, &group, j, k);
-            }
+    ContentClasses classes(bucket.paths, [this] { return letEventsIn(); });
+    if (!classes.sort()) {
+        return false;
+    }
+    keepExactGroups(bucket, classes);
+    BucketPairs pairs(classes.files());
+    if (!addLonger(bucket, classes, &pairs)) {
+        return false;
+    }
+    Placement placement = {&bucket,
+                           &classes.files(),
+                           &pairs,
+                           DuplicateGroup(bucket.paths, duplicatedGroups.value(bucket.key)),
+                           std::vector<bool>(classes.files().size(), false)};
+    for (int first = 0; first < count - 1; ++first) {
+        if (!placeRow(&placement, first)) {
+            return false;
         }
     }
     return true;
 }
 
+void FileFinderEngine::keepExactGroups(const Bucket &bucket, const ContentClasses &classes)
+{
+    const auto scanned = [&](int index) -> ScannedFile {
+        const ContentClasses::File &file = classes.files()[static_cast<std::size_t>(index)];
+        return {bucket.paths.at(index), file.size, file.modified};
+    };
+    QHash<int, QVector<ScannedFile>> groups;
+    for (int i = 0; i < bucket.paths.size(); ++i) {
+        const int first = classes.files()[static_cast<std::size_t>(i)].first;
+        if (first == i) {
+            continue;
+        }
+        QVector<ScannedFile> &group = groups[first];
+        if (group.isEmpty()) {
+            group.append(scanned(first));
+        }
+        group.append(scanned(i));
+    }
+    for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
+        exactGroups.add(bucket.files.at(group.key()), *group);
+    }
+}
+
+// Keys of other sizes coincide where names begin with digits. The comparison looks for the end of the
+// first file alone, in steps of 256 bytes, so a file of whole steps equals a longer one behind it that
+// begins with it. A file that has left the bucket since it got its key equals none of another size.
+bool FileFinderEngine::addLonger(const Bucket &bucket,
+                                 const ContentClasses &classes,
+                                 BucketPairs *pairs)
+{
+    std::map<qint64, QVector<int>> bySize;
+    for (int i = 0; i < bucket.paths.size(); ++i) {
+        const ContentClasses::File &file = classes.files()[static_cast<std::size_t>(i)];
+        if (file.isReadable) {
+            bySize[file.size].append(i);
+        }
+    }
+    if (bySize.size() < 2) {
+        return true;
+    }
+    for (auto size = bySize.begin(); std::next(size) != bySize.end(); ++size) {
+        if (size->first % FileComparison::stepBytes != 0) {
+            continue;
+        }
+        QVector<int> files;
+        QStringList paths;
+        for (auto other = size; other != bySize.end(); ++other) {
+            for (const int file : qAsConst(other->second)) {
+                if (fileChecksum(bucket.paths.at(file)) == bucket.key) {
+                    files.append(file);
+                    paths.append(bucket.paths.at(file));
+                }
+            }
+        }
+        ContentClasses beginnings(
+            paths,
+            [this] { return letEventsIn(); },
+            size->first);
+        if (!beginnings.sort()) {
+            return false;
+        }
+        pairs->addLonger(beginnings.files(), files, size->first);
+    }
+    return true;
+}
+
+bool FileFinderEngine::placeRow(Placement *placement, int first)
+{
+    if (!letEventsIn()) {
+        return false;
+    }
+    const ContentClasses::File &file = placement->file(first);
+    const auto contentClass = static_cast<std::size_t>(file.first);
+    // Once the files of a content stand in the group, further pairs of them only add to the sum.
+    const bool isWhole =
+        !placement->isClassPlaced[contentClass] || placement->pairs->hasLonger(first);
+    const BucketPairs::Row row = placement->pairs->row(first, isWhole);
+    addToSum(row.otherEqualPairs * file.size);
+    for (const BucketPairs::Pair &pair : row.pairs) {
+        if (!letEventsIn()) {
+            return false;
+        }
+        if (pair.unreadable >= 0) {
+            FileComparison::complain(placement->bucket->paths.at(pair.unreadable),
+                                     placement->file(pair.unreadable).error);
+        } else {
+            placePair(placement, first, pair.second);
+        }
+    }
+    placement->isClassPlaced[contentClass] = !placement->group.isEmpty();
+    return true;
+}
+
 // All files of a bucket end in one group, whatever their content, because its key names the group:
 // the first pair opens it, each later one adds its second file alone.
-void FileFinderEngine::placePair(const Bucket &bucket,
-                                 BucketJudge *judge,
-                                 DuplicateGroup *group,
-                                 int first,
-                                 int second)
+void FileFinderEngine::placePair(Placement *placement, int first, int second)
 {
-    addToSum(judge->sizeOf(second));
-    const bool isOpening = group->isEmpty();
+    const Bucket &bucket = *placement->bucket;
+    addToSum(placement->file(second).size);
+    const bool isOpening = placement->group.isEmpty();
     if (isOpening) {
         ++countFoundedDuplicated;
-        addToSum(judge->sizeOf(first));
+        addToSum(placement->file(first).size);
     }
-    if (!group->add(first, second)) {
+    if (!placement->group.add(first, second)) {
         return;
     }
     ++countFoundedDuplicated;
@@ -340,36 +469,40 @@ void FileFinderEngine::placePair(const Bucket &bucket,
     }
     paths.append(bucket.paths.at(second));
     emit countingFindFilesDuplicated(bucket.index, countFoundedDuplicated, summFileSize);
-    // Who hears of the pair may have posted a stop.
-    pairsToEventPass = 0;
 }
 
 void FileFinderEngine::startFindDuplicatedFilesAdvanced()
 {
     resetCounters();
     const QStringList files = allFiles;
-    int fileCount = 0;
+    const ScanProfile profile = Configuration::instance()->scanProfile;
+    QVector<ReadFile> readFiles;
+    readFiles.reserve(files.size());
     for (const QString &path : files) {
-        processPendingEvents();
-        if (stopRequested) {
-            return;
+        if (!letEventsIn()) {
+            break;
         }
         announceFile(path);
-        const QString key = fileChecksum(path);
-        if (isLeaving()) {
+        const FileKey::Checksum checksum = FileKey::ofContent(path, profile, whileReading());
+        if (stopRequested) {
             // The reading of the file may have been cut off, and the key is worth nothing.
-            stopRequested = true;
-            return;
+            break;
         }
-        ++fileCount;
-        if (!key.isEmpty()) {
-            storeByKey(path, key);
-            emit countingFindFilesDuplicated(fileCount, countFoundedDuplicated, summFileSize);
+        readFiles.append({checksum.isWhole ? checksum.key : QString(),
+                          checksum.size,
+                          checksum.modified,
+                          checksum.contentHash});
+        if (!checksum.key.isEmpty()) {
+            storeByKey(path, checksum.key, checksum.size);
+            emit countingFindFilesDuplicated(readFiles.size(),
+                                             countFoundedDuplicated,
+                                             summFileSize);
         }
     }
+    keepExactGroups(files, readFiles);
 }
 
-void FileFinderEngine::storeByKey(const QString &path, const QString &key)
+void FileFinderEngine::storeByKey(const QString &path, const QString &key, qint64 size)
 {
     QStringList &group = duplicatedGroups[key];
     if (!group.isEmpty()) {
@@ -379,9 +512,46 @@ void FileFinderEngine::storeByKey(const QString &path, const QString &key)
             addToSum(RegularFile::sizeOf(group.first()));
         }
         ++countFoundedDuplicated;
-        addToSum(RegularFile::sizeOf(path));
+        addToSum(size < 0 ? RegularFile::sizeOf(path) : size);
     }
     group.append(path);
+}
+
+// A checksum may coincide by chance or by intent, so its files must also agree in their sizes and, but
+// for the CRC, in a second hash.
+void FileFinderEngine::keepExactGroups(const QStringList &files, const QVector<ReadFile> &readFiles)
+{
+    QHash<ReadFile, Chain> chains;
+    QVector<int> next(readFiles.size(), -1);
+    for (int i = 0; i < readFiles.size(); ++i) {
+        const ReadFile &file = readFiles.at(i);
+        if (file.key.isNull() || duplicatedGroups.value(file.key).size() < 2) {
+            continue;
+        }
+        const auto chain = chains.find(file);
+        if (chain == chains.end()) {
+            chains.insert(file, {i, i});
+        } else {
+            next[chain->last] = i;
+            chain->last = i;
+        }
+    }
+    for (const Chain &chain : qAsConst(chains)) {
+        QVector<ScannedFile> group;
+        for (int i = chain.first; i >= 0; i = next.at(i)) {
+            group.append({files.at(i), readFiles.at(i).size, readFiles.at(i).modified});
+        }
+        exactGroups.add(chain.first, group);
+    }
+}
+
+void FileFinderEngine::publish(const QList<QStringList> &groups) const
+{
+    const ScanProfile profile = Configuration::instance()->scanProfile;
+    ScanFindings *const findings = ScanFindings::instance();
+    findings->groups = groups;
+    findings->exactGroups = exactGroups.inOrder();
+    findings->areContentsProven = !(profile.advancedMatch && profile.crcHash);
 }
 
 QString FileFinderEngine::fileChecksum(const QString &path) const
@@ -390,11 +560,7 @@ QString FileFinderEngine::fileChecksum(const QString &path) const
     if (!profile.advancedMatch) {
         return FileKey::ofAttributes(path, profile);
     }
-    if (profile.crcHash) {
-        return FileKey::ofCrc(path);
-    }
-    return FileKey::ofHash(path,
-                           profile.md5Hash ? QCryptographicHash::Md5 : QCryptographicHash::Sha1);
+    return FileKey::ofContent(path, profile, untilInterrupted()).key;
 }
 
 bool FileFinderEngine::compareByteByByte(const QString &a, const QString &b) const
@@ -433,17 +599,23 @@ void FileFinderEngine::resetCounters()
     summFileSize = 0;
 }
 
-// Stands between any two steps of a scan. A pass is left out while nothing has been posted to this
-// thread and the last one was a moment ago; it also serves timers, which are no posted events.
-void FileFinderEngine::processPendingEvents()
+// Stands between any two steps of a scan; false when it has been stopped. What was posted to this
+// thread is delivered at every step, and timers and the like when the last pass was a moment ago.
+bool FileFinderEngine::letEventsIn()
 {
-    if (qGlobalPostedEventsCount() == 0 && lastEventPass.isValid()
-        && lastEventPass.nsecsElapsed() < maxNanosecondsBetweenEventPasses) {
-        return;
+    QCoreApplication::sendPostedEvents();
+    if (!lastEventPass.isValid()
+        || lastEventPass.nsecsElapsed() >= maxNanosecondsBetweenEventPasses) {
+        QCoreApplication::processEvents();
+        lastEventPass.start();
+        stopRequested = stopRequested || isLeaving();
     }
-    QCoreApplication::processEvents();
-    lastEventPass.start();
-    if (isLeaving()) {
-        stopRequested = true;
-    }
+    return !stopRequested;
+}
+
+GoOn FileFinderEngine::whileReading()
+{
+    return [this] {
+        return lastEventPass.elapsed() < maxMillisecondsOfReading ? !stopRequested : letEventsIn();
+    };
 }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "engine/ExactGroups.h"
+#include "engine/GoOn.h"
+
 #include <QElapsedTimer>
 #include <QFileInfoList>
 #include <QHash>
@@ -10,7 +13,8 @@
 #include <QStringList>
 #include <QVector>
 
-class BucketJudge;
+class BucketPairs;
+class ContentClasses;
 class Controller;
 class DuplicateGroup;
 class Model;
@@ -20,7 +24,8 @@ class Model;
  *
  * Lives on a worker thread of its own; a whole scan runs inside startFinder(), with passes through
  * the event loop between its steps, in which a posted stopFinder() is seen. What is to be scanned,
- * and how, stands in Configuration. A request to interrupt the thread ends a scan like a stop, at
+ * and how, stands in Configuration; which files have the same content, whatever group they stand in,
+ * in ScanFindings. A request to interrupt the thread ends a scan like a stop, at
  * the latest after the block of the file that is being read.
  */
 class FileFinderEngine final : public QObject
@@ -99,6 +104,9 @@ private:
     struct Bucket;
     using Buckets = QHash<QString, Chain>;
 
+    struct Placement;
+    struct ReadFile;
+
     void runScan();
     void walkFolder(const Walk &walk,
                     const QString &folder,
@@ -108,16 +116,18 @@ private:
     void announceFile(const QString &path);
     bool sortIntoBuckets(const QStringList &files, Buckets *buckets, QVector<int> *next);
     bool confirmBucket(const Bucket &bucket);
-    void placePair(const Bucket &bucket,
-                   BucketJudge *judge,
-                   DuplicateGroup *group,
-                   int first,
-                   int second);
-    void storeByKey(const QString &path, const QString &key);
+    void keepExactGroups(const Bucket &bucket, const ContentClasses &classes);
+    bool addLonger(const Bucket &bucket, const ContentClasses &classes, BucketPairs *pairs);
+    bool placeRow(Placement *placement, int first);
+    void placePair(Placement *placement, int first, int second);
+    void storeByKey(const QString &path, const QString &key, qint64 size);
+    void keepExactGroups(const QStringList &files, const QVector<ReadFile> &readFiles);
+    void publish(const QList<QStringList> &groups) const;
     QList<QStringList> groupsOfSeveral() const;
     void addToSum(qint64 bytes);
     void resetCounters();
-    void processPendingEvents();
+    bool letEventsIn();
+    GoOn whileReading();
 
     Model *model;
     Controller *controller;
@@ -125,9 +135,9 @@ private:
     bool isScanning = false;
     bool isRestartRequested = false;
     QElapsedTimer lastEventPass;
-    int pairsToEventPass = 0;
     QStringList allFiles;
     QHash<QString, QStringList> duplicatedGroups;
+    ExactGroups exactGroups;
     int countFoundedDuplicated = 0;
     qint32 summFileSize = 0;
 };

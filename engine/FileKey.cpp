@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "engine/FileKey.h"
 
+#include "engine/ContentHash.h"
 #include "engine/Crc32.h"
 #include "engine/RegularFile.h"
 #include "engine/ScanProfile.h"
 
 #include <QDateTime>
 #include <QFileInfo>
-#include <QThread>
 
 #include <algorithm>
 #include <memory>
@@ -46,30 +46,71 @@ QString FileKey::ofAttributes(const QString &path, const ScanProfile &profile)
     return QString::fromLatin1(key.toBase64());
 }
 
-QString FileKey::ofCrc(const QString &path)
+FileKey::Checksum FileKey::crcOf(const QString &path, const GoOn &goOn)
 {
-    return QString::number(Crc32().calculateFromFile(path));
+    Checksum checksum;
+    RegularFile file;
+    quint32 crc = 0;
+    if (file.open(path)) {
+        checksum.size = file.size();
+        checksum.modified = file.modified();
+        crc = Crc32().calculate(&file, goOn, &checksum.isWhole);
+    }
+    checksum.key = QString::number(crc);
+    return checksum;
 }
 
-QString FileKey::ofHash(const QString &path, QCryptographicHash::Algorithm algorithm)
+FileKey::Checksum FileKey::hashOf(const QString &path,
+                                  QCryptographicHash::Algorithm algorithm,
+                                  const GoOn &goOn)
 {
+    Checksum checksum;
     RegularFile file;
     if (!file.open(path)) {
-        return {};
+        return checksum;
     }
+    checksum.size = file.size();
+    checksum.modified = file.modified();
     const qint64 bufferBytes = std::clamp(file.size() + 1, minBlockBytes, maxBlockBytes);
     const std::unique_ptr<char[]> buffer(new char[static_cast<std::size_t>(bufferBytes)]);
     QCryptographicHash hash(algorithm);
+    ContentHash contentHash;
     qint64 done = 0;
     qint64 bytes = bufferBytes;
     while (bytes == bufferBytes) {
         bytes = file.read(buffer.get(), bufferBytes);
-        if (bytes < 0 || QThread::currentThread()->isInterruptionRequested()) {
-            return {};
+        if (bytes < 0 || !goOn()) {
+            return checksum;
         }
         hash.addData(buffer.get(), static_cast<int>(bytes));
+        contentHash.add(buffer.get(), bytes);
         done += bytes;
     }
     // A file that has been cut short since it was opened has no key.
-    return done < file.size() ? QString() : QString::fromLatin1(hash.result().toBase64());
+    if (done >= file.size()) {
+        checksum.isWhole = true;
+        checksum.key = QString::fromLatin1(hash.result().toBase64());
+        checksum.contentHash = contentHash.result();
+    }
+    return checksum;
+}
+
+FileKey::Checksum FileKey::ofContent(const QString &path,
+                                     const ScanProfile &profile,
+                                     const GoOn &goOn)
+{
+    if (profile.crcHash) {
+        return crcOf(path, goOn);
+    }
+    return hashOf(path, profile.md5Hash ? QCryptographicHash::Md5 : QCryptographicHash::Sha1, goOn);
+}
+
+QString FileKey::ofCrc(const QString &path)
+{
+    return crcOf(path, untilInterrupted()).key;
+}
+
+QString FileKey::ofHash(const QString &path, QCryptographicHash::Algorithm algorithm)
+{
+    return hashOf(path, algorithm, untilInterrupted()).key;
 }

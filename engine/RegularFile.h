@@ -6,7 +6,8 @@
 #include <memory>
 
 /**
- * A regular file, open for reading from its start to its end without a buffer of its own.
+ * A regular file, open for reading from its start to its end without a buffer of its own. One that was moved from can
+ * only be destroyed or assigned to.
  *
  * Anything else than a regular file (a FIFO, a device, a folder) is refused without waiting for it.
  * A failed read is told apart from the end. Closed when it goes out of scope.
@@ -15,6 +16,8 @@ class RegularFile final
 {
 public:
     RegularFile();
+    RegularFile(RegularFile &&other) noexcept;
+    RegularFile &operator=(RegularFile &&other) noexcept;
     ~RegularFile();
 
     RegularFile(const RegularFile &) = delete;
@@ -27,7 +30,9 @@ public:
     qint64 modified() const;
     /** Bytes read, fewer than asked for only at the end; -1 when reading failed. */
     qint64 read(char *data, qint64 maxBytes);
-    /** Why open() or read() failed, as the system words it. */
+    /** Goes on at another place, that many bytes from the start. */
+    bool skip(qint64 toOffset);
+    /** Why open(), skip() or read() failed, as the system words it. */
     QString errorString() const;
 
     /** Bytes of the file or of the target of a link, without opening it; 0 where there is none. */

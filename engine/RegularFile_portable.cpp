@@ -16,6 +16,10 @@ RegularFile::RegularFile()
 {
 }
 
+RegularFile::RegularFile(RegularFile &&other) noexcept = default;
+
+RegularFile &RegularFile::operator=(RegularFile &&other) noexcept = default;
+
 RegularFile::~RegularFile() = default;
 
 bool RegularFile::open(const QString &path)
@@ -62,6 +66,15 @@ qint64 RegularFile::read(char *data, qint64 maxBytes)
         done += bytes;
     }
     return done;
+}
+
+bool RegularFile::skip(qint64 toOffset)
+{
+    if (handle->file.seek(toOffset)) {
+        return true;
+    }
+    handle->error = handle->file.errorString();
+    return false;
 }
 
 QString RegularFile::errorString() const

@@ -42,6 +42,10 @@ RegularFile::RegularFile()
 {
 }
 
+RegularFile::RegularFile(RegularFile &&other) noexcept = default;
+
+RegularFile &RegularFile::operator=(RegularFile &&other) noexcept = default;
+
 RegularFile::~RegularFile() = default;
 
 bool RegularFile::open(const QString &path)
@@ -94,6 +98,15 @@ qint64 RegularFile::read(char *data, qint64 maxBytes)
         }
     }
     return done;
+}
+
+bool RegularFile::skip(qint64 toOffset)
+{
+    if (::lseek(handle->descriptor, toOffset, SEEK_SET) == toOffset) {
+        return true;
+    }
+    handle->error = qt_error_string(errno);
+    return false;
 }
 
 QString RegularFile::errorString() const

@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace
 {
 quint32 crcOfFile(const QString &path)
@@ -54,6 +56,34 @@ QList<QStringList> LiteralGrouping::result() const
             groups.append(duplicatedGroups.values().at(i));
         }
     }
+    return groups;
+}
+
+QList<QStringList> LiteralGrouping::exactGroups() const
+{
+    QStringList contents;
+    QList<QStringList> groups;
+    for (const QString &path : allFiles) {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly)) {
+            continue;
+        }
+        const QString content = key(path, profile) + QLatin1Char(' ')
+            + (profile.advancedMatch ? QString::number(file.size())
+                                     : QString::fromLatin1(file.readAll().toHex()));
+        if (!contents.contains(content)) {
+            contents.append(content);
+            groups.append(QStringList());
+        }
+        QStringList &group = groups[contents.indexOf(content)];
+        if (!group.contains(path)) {
+            group.append(path);
+        }
+    }
+    groups.erase(std::remove_if(groups.begin(),
+                                groups.end(),
+                                [](const QStringList &group) { return group.size() < 2; }),
+                 groups.end());
     return groups;
 }
 

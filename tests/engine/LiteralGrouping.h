@@ -24,6 +24,11 @@ public:
     QHash<QString, QStringList> groups() const { return duplicatedGroups; }
     /** Groups of two or more files, in the order of the hash. */
     QList<QStringList> result() const;
+    /**
+     * The paths of equal content under one key, each once, sets and files in the order of the list;
+     * by CRC of one size, too. Unreadable files are in none.
+     */
+    QList<QStringList> exactGroups() const;
     int groupedFilesCount() const { return countFoundedDuplicated; }
     qint32 groupedFilesSize() const { return summFileSize; }
     /** The files of failed openings, in order, once for each pair. */

@@ -52,6 +52,7 @@ private slots:
     void stopDuringAdvanced();
     void stopAtEverySignal_data();
     void stopAtEverySignal();
+    void stopByTimer_data();
     void stopByTimer();
     void stopIsForgotten();
     void startDuringScan();
@@ -678,21 +679,32 @@ void tst_FileFinderEngine::stopAtEverySignal()
     QCOMPARE(rig->scan({tree->root()}, profile), whole);
 }
 
+void tst_FileFinderEngine::stopByTimer_data()
+{
+    QTest::addColumn<QString>("checksum");
+    for (const char *checksum : {"", "md5", "sha1", "crc"}) {
+        QTest::newRow(*checksum == '\0' ? "byte by byte" : checksum)
+            << QString::fromLatin1(checksum);
+    }
+}
+
 void tst_FileFinderEngine::stopByTimer()
 {
-    // A stop posted by a timer from another thread ends a scan of many million pairs.
-    constexpr int count = 3000;
-    for (int i = 0; i < count; ++i) {
-        tree->file(QString::number(i), QByteArray("x"));
+    // A stop posted by a timer from another thread ends the reading of files that takes many minutes.
+    QFETCH(QString, checksum);
+    for (const char *name : {"a", "b"}) {
+        tree->sparseFile(QLatin1String(name), qint64(1024) * 1024 * 1024 * 1024);
     }
     Configuration::instance()->folders = QStringList(tree->root());
-    Configuration::instance()->scanProfile = ScanProfile();
+    Configuration::instance()->scanProfile =
+        checksum.isEmpty() ? ScanProfile() : EngineRig::advanced(checksum);
     QSignalSpy groupingSpy(rig->engine(), &FileFinderEngine::findDuplicatedFilesStarted);
     QSignalSpy finishedSpy(rig->engine(), &FileFinderEngine::findDuplicatedFilesFinished);
     QTimer::singleShot(10, rig->engine(), SLOT(startFinder()));
     QTRY_COMPARE_WITH_TIMEOUT(groupingSpy.size(), 1, longWaitMilliseconds);
     QTimer::singleShot(10, rig->engine(), SLOT(stopFinder()));
     QTRY_COMPARE_WITH_TIMEOUT(finishedSpy.size(), 1, longWaitMilliseconds);
+    QVERIFY(finishedSpy.first().first().value<QList<QStringList>>().isEmpty());
     bool isStopped = false;
     rig->run([&] { isStopped = rig->engine()->isStopRequested(); });
     QVERIFY(isStopped);

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
-#include "engine/BucketJudge.h"
 #include "engine/FileFinderEngine.h"
+#include "engine/ScanFindings.h"
 #include "tests/engine/EngineRig.h"
 #include "tests/engine/LiteralGrouping.h"
 #include "tests/support/RestrictedRights.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QRandomGenerator>
+#include <QSet>
 
 #include <memory>
 
@@ -35,12 +37,18 @@ private slots:
     void crcOfZero();
     void unreadableFiles_data();
     void unreadableFiles();
-    void vanishedFiles();
     void overlappingFolders();
     void randomTrees_data();
     void randomTrees();
+    void randomBuckets_data();
+    void randomBuckets();
     void largeHeads();
-    void fileThatBreaksMeanwhile();
+    void repeatedPathsOfTwoContents();
+    void scannedFiles();
+    void collidingHashes();
+    void collidingCrcs();
+    void exactGroupsOfAStoppedScan();
+    void unreadableFilesShareNoExactGroup();
     void manyFilesOfOneSize_data();
     void manyFilesOfOneSize();
 
@@ -61,6 +69,19 @@ QStringList countingLines(const QStringList &record)
 {
     QStringList lines = record.filter(countingName);
     return lines.replaceInStrings(countingName, QString());
+}
+
+QList<QStringList> exactPaths()
+{
+    QList<QStringList> groups;
+    for (const QVector<ScannedFile> &group : qAsConst(ScanFindings::instance()->exactGroups)) {
+        QStringList paths;
+        for (const ScannedFile &file : group) {
+            paths.append(file.path);
+        }
+        groups.append(paths);
+    }
+    return groups;
 }
 
 QString counting(int index, int count, qint64 bytes)
@@ -91,6 +112,8 @@ void tst_Grouping::compareWithLiteral(const ScanProfile &profile, const QStringL
     QCOMPARE(rig->engine()->foundGroups(), literal.groups());
     QCOMPARE(rig->engine()->groupedFilesCount(), literal.groupedFilesCount());
     QCOMPARE(rig->engine()->groupedFilesSize(), literal.groupedFilesSize());
+    QCOMPARE(exactPaths(), literal.exactGroups());
+    QCOMPARE(ScanFindings::instance()->groups, rig->groups());
 }
 
 void tst_Grouping::nothingToGroup()
@@ -333,25 +356,6 @@ void tst_Grouping::unreadableFiles()
     QCOMPARE(rig->groups().size(), checksum == QLatin1String("crc") ? 2 : 1);
 }
 
-void tst_Grouping::vanishedFiles()
-{
-    // Files that vanish after they were found are logged for each pair and grouped with nothing.
-    const QString a = file("a", "same!");
-    const QString b = file("b", "same!");
-    const QString c = file("c", "same!");
-    const QString line = QStringLiteral("File %1 cannot opened! No such file or directory");
-    QVERIFY(QFile::remove(b));
-    const QStringList bucket = {a, b, c};
-    BucketJudge judge(bucket);
-    expectMessage(QtCriticalMsg, line.arg(b));
-    expectMessage(QtCriticalMsg, line.arg(b));
-    QVERIFY(!judge.areEqual(0, 1));
-    QVERIFY(judge.areEqual(0, 2));
-    QVERIFY(!judge.areEqual(1, 2));
-    QCOMPARE(judge.sizeOf(1), 0);
-    QCOMPARE(judge.sizeOf(2), 5);
-}
-
 void tst_Grouping::overlappingFolders()
 {
     // A path that is found twice is its own duplicate, and stands in the group once.
@@ -409,6 +413,185 @@ void tst_Grouping::randomTrees()
     }
 }
 
+void tst_Grouping::randomBuckets_data()
+{
+    QTest::addColumn<int>("first");
+    // TWINSIFT_BUCKETS=2000 tries so many.
+    const int buckets = qEnvironmentVariableIsSet("TWINSIFT_BUCKETS")
+        ? qEnvironmentVariableIntValue("TWINSIFT_BUCKETS")
+        : 100;
+    for (int first = 0; first < buckets; first += 20) {
+        QTest::addRow("from %d", first) << first;
+    }
+}
+
+void tst_Grouping::randomBuckets()
+{
+    // Buckets of any number of files and classes, in any order, some unreadable, some found twice:
+    // groups, signals, sums, log lines and exact groups are those of the plain algorithm.
+    QFETCH(int, first);
+    for (int number = first; number < first + 20; ++number) {
+        QRandomGenerator random(static_cast<quint32>(number));
+        tree = std::make_unique<TempTree>(path(QStringLiteral("bucket %1").arg(number)));
+        const int files = random.bounded(4) == 0 ? random.bounded(60, 150) : random.bounded(2, 30);
+        const int contents = random.bounded(1, random.bounded(2) == 0 ? 4 : files + 1);
+        const int bytes =
+            random.bounded(2) == 0 ? random.bounded(4, 60) : random.bounded(4000, 9000);
+        for (int i = 0; i < files; ++i) {
+            const QByteArray mark = QByteArray::number(random.bounded(contents));
+            tree->file(QStringLiteral("%1/%2").arg(i % 3).arg(i), mark.rightJustified(bytes, 'x'));
+        }
+        if (random.bounded(3) == 0) {
+            tree->setMode(QStringLiteral("0/0"), 0);
+            tree->setMode(QStringLiteral("1/1"), 0);
+        }
+        QStringList folders = {tree->root()};
+        if (random.bounded(3) == 0) {
+            folders.append(tree->path(QStringLiteral("1")));
+        }
+        const RestrictedRights rights;
+        rig = std::make_unique<EngineRig>();
+        // The files as the scan will find them, for the lines that it will write.
+        rig->run([&] { rig->engine()->startFindAllFiles({}, {}, folders); });
+        for (const QString &unreadable :
+             LiteralGrouping(rig->engine()->foundFiles(), ScanProfile()).unreadable()) {
+            expectMessage(
+                QtCriticalMsg,
+                QStringLiteral("File %1 cannot opened! Permission denied").arg(unreadable));
+        }
+        rig = std::make_unique<EngineRig>();
+        compareWithLiteral(ScanProfile(), folders);
+        rig.reset();
+        if (QTest::currentTestFailed()) {
+            return;
+        }
+    }
+}
+
+void tst_Grouping::repeatedPathsOfTwoContents()
+{
+    // A path that is found several times joins a group that another content has opened.
+    const QString p = file("p/1", "AAA");
+    file("q/2", "BBB");
+    file("r/3", "BBB");
+    const auto below = [this](const char *name) {
+        return tree->path(QLatin1String(name));
+    };
+    const QStringList folders = {below("p"), below("q"), below("p"), below("r"), below("p")};
+    compareWithLiteral(ScanProfile(), folders);
+    QCOMPARE(rig->groups().size(), 1);
+    QVERIFY(rig->groups().first().contains(p));
+}
+
+void tst_Grouping::scannedFiles()
+{
+    // Of each file of an exact group its size and its time are known as they were read.
+    const QDateTime time = QDateTime::fromMSecsSinceEpoch(1234567890123);
+    for (const char *name : {"a", "b"}) {
+        QFile changed(file(name, "same!"));
+        QVERIFY(changed.open(QIODevice::ReadWrite));
+        QVERIFY(changed.setFileTime(time, QFileDevice::FileModificationTime));
+    }
+    for (const char *checksum : {"", "md5", "sha1", "crc"}) {
+        const bool isAdvanced = *checksum != '\0';
+        rig->scan({tree->root()},
+                  isAdvanced ? EngineRig::advanced(QLatin1String(checksum)) : ScanProfile());
+        const ScanFindings &findings = *ScanFindings::instance();
+        QCOMPARE(findings.areContentsProven, qstrcmp(checksum, "crc") != 0);
+        QCOMPARE(findings.exactGroups.size(), 1);
+        QCOMPARE(findings.exactGroups.first().size(), 2);
+        for (const ScannedFile &file : findings.exactGroups.first()) {
+            QCOMPARE(file.size, 5);
+            QCOMPARE(file.modified, Q_INT64_C(1234567890123000000));
+        }
+    }
+    // The next scan forgets them.
+    rig->scan({});
+    QVERIFY(ScanFindings::instance()->exactGroups.isEmpty());
+}
+
+void tst_Grouping::collidingHashes()
+{
+    // Two contents that were made to agree in their MD5 share a group, and are no exact one.
+    const QByteArray common =
+        QByteArray::fromHex("d131dd02c5e6eec4693d9a0698aff95c2fcab58712467eab4004583eb8fb7f89"
+                            "55ad340609f4b30283e488832571415a085125e8f7cdc99fd91dbdf280373c5b"
+                            "d8823e3156348f5bae6dacd436c919c6dd53e2b487da03fd02396306d248cda0"
+                            "e99f33420f577ee8ce54b67080a80d1ec69821bcb6a8839396f9652b6ff72a70");
+    QByteArray other = common;
+    for (const auto &change : {std::make_pair(19, 0x07),
+                               std::make_pair(45, 0xf1),
+                               std::make_pair(59, 0x72),
+                               std::make_pair(83, 0x34),
+                               std::make_pair(109, 0x28),
+                               std::make_pair(123, 0xab)}) {
+        other[change.first] = static_cast<char>(change.second);
+    }
+    const QString a1 = file("1", common);
+    const QString b1 = file("2", other);
+    const QString a2 = file("3", common);
+    const QString b2 = file("4", other);
+    rig->scan({tree->root()}, EngineRig::advanced(QStringLiteral("md5")));
+    QCOMPARE(rig->groups(), QList<QStringList>{QStringList({a1, b1, a2, b2})});
+    QCOMPARE(exactPaths(), (QList<QStringList>{{a1, a2}, {b1, b2}}));
+}
+
+void tst_Grouping::collidingCrcs()
+{
+    // By CRC only files of one size share an exact group.
+    const QString empty1 = file("1");
+    const QString zero1 = file("2", QByteArray("\x9D\x0A\xD9\x6D", 4));
+    const QString empty2 = file("3");
+    const QString zero2 = file("4", QByteArray("\x9D\x0A\xD9\x6D", 4));
+    rig->scan({tree->root()}, EngineRig::advanced(QStringLiteral("crc")));
+    QCOMPARE(rig->groups(), QList<QStringList>{QStringList({empty1, zero1, empty2, zero2})});
+    QCOMPARE(exactPaths(), (QList<QStringList>{{empty1, empty2}, {zero1, zero2}}));
+}
+
+void tst_Grouping::exactGroupsOfAStoppedScan()
+{
+    // Wherever a scan is stopped, every file of a group that it gives stands in a whole exact group.
+    for (int i = 0; i < 12; ++i) {
+        tree->file(QString::number(i), QByteArray::number(i % 3).rightJustified(i < 6 ? 10 : 20));
+    }
+    for (const char *checksum : {"", "md5"}) {
+        const ScanProfile profile =
+            *checksum == '\0' ? ScanProfile() : EngineRig::advanced(QLatin1String(checksum));
+        const int signalCount = rig->scan({tree->root()}, profile).size();
+        for (int i = 1; i < signalCount; ++i) {
+            rig->stopAtSignal(i);
+            rig->scan({tree->root()}, profile);
+            QSet<QString> known;
+            for (const QStringList &group : exactPaths()) {
+                known.unite(QSet<QString>(group.cbegin(), group.cend()));
+            }
+            for (const QStringList &group : rig->groups()) {
+                for (const QString &file : group) {
+                    QVERIFY2(known.contains(file),
+                             qPrintable(QStringLiteral("%1 %2").arg(i).arg(file)));
+                }
+            }
+        }
+    }
+}
+
+void tst_Grouping::unreadableFilesShareNoExactGroup()
+{
+    // Files that cannot be read have the CRC of an empty one; nothing is known of their contents.
+    for (const char *name : {"a", "b"}) {
+        file(name, "same!");
+        tree->setMode(QLatin1String(name), 0);
+    }
+    const RestrictedRights rights;
+    if (!rights.areRestricted()) {
+        QSKIP("The super-user reads every file here.");
+    }
+    rig = std::make_unique<EngineRig>();
+    rig->scan({tree->root()}, EngineRig::advanced(QStringLiteral("crc")));
+    QCOMPARE(rig->groups().size(), 1);
+    QVERIFY(exactPaths().isEmpty());
+}
+
 void tst_Grouping::largeHeads()
 {
     // Contents that differ behind their beginning, in many classes, are told apart as plainly.
@@ -422,35 +605,6 @@ void tst_Grouping::largeHeads()
     QCOMPARE(rig->groups().size(), 1);
 }
 
-void tst_Grouping::fileThatBreaksMeanwhile()
-{
-    // When a file cannot be read any more, what was learned from it before is forgotten.
-    QStringList bucket;
-    for (const char *name : {"a", "b", "c", "d"}) {
-        bucket.append(file(name, QByteArray(10000, 'x')));
-    }
-    bucket.append(file("e", QByteArray(10000, 'y')));
-    const auto expectFailure = [this](const QString &path) {
-        expectMessage(QtCriticalMsg,
-                      QStringLiteral("File %1 cannot opened! No such file or directory").arg(path));
-    };
-    BucketJudge judge(bucket);
-    QVERIFY(judge.areEqual(0, 1));
-    QVERIFY(judge.areEqual(0, 2));
-    QVERIFY(QFile::remove(bucket.at(0)));
-    expectFailure(bucket.at(0));
-    QVERIFY(!judge.areEqual(0, 3));
-    expectFailure(bucket.at(0));
-    QVERIFY(!judge.areEqual(0, 4));
-    QVERIFY(judge.areEqual(1, 2));
-    QVERIFY(judge.areEqual(1, 3));
-    // Also that it differed from its first bytes on.
-    QVERIFY(QFile::remove(bucket.at(4)));
-    expectFailure(bucket.at(4));
-    QVERIFY(!judge.areEqual(1, 4));
-    QVERIFY(judge.areEqual(2, 3));
-}
-
 void tst_Grouping::manyFilesOfOneSize_data()
 {
     QTest::addColumn<bool>("areEqual");
@@ -460,7 +614,7 @@ void tst_Grouping::manyFilesOfOneSize_data()
 
 void tst_Grouping::manyFilesOfOneSize()
 {
-    // Every pair of a large bucket is judged: half a million of them end with the right counters.
+    // A large bucket, with half a million pairs, ends with the right counters.
     QFETCH(bool, areEqual);
     constexpr int count = 1000;
     for (int i = 0; i < count; ++i) {
