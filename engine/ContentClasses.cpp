@@ -10,10 +10,7 @@
 
 namespace
 {
-// So many can be read side by side without closing one: far below the descriptors of a process.
-constexpr std::size_t maxOpenFiles = 64;
-// The first read is small, so that an early difference costs little.
-constexpr qint64 headBytes = qint64(4) * 1024;
+constexpr qint64 headBytes = FileHead::maxBytes;
 constexpr qint64 blockBytes = qint64(128) * 1024;
 constexpr qint64 windowBytes = qint64(32) * 1024 * 1024;
 constexpr qint64 maxBytesOfHeads = qint64(64) * 1024 * 1024;
@@ -45,8 +42,8 @@ bool forEachRun(const List &list, const Agree &agree, const Visit &visit)
 
 // The beginnings of many files. They are kept where there is room for those of all files of their
 // size, so that short files are done with after one look.
-struct ContentClasses::Heads {
-    explicit Heads(int fileCount)
+struct ContentClasses::KeptHeads {
+    explicit KeptHeads(int fileCount)
         : maxKeptBytes(maxBytesOfHeads / fileCount)
         , starts(toSize(fileCount), nullptr)
     {
@@ -94,12 +91,17 @@ ContentClasses::~ContentClasses() = default;
 
 bool ContentClasses::sort()
 {
-    if (sorted.size() > maxOpenFiles) {
-        return sortMany();
-    }
-    Part all(sorted.size());
-    std::iota(all.begin(), all.end(), 0);
-    return sortFew(all);
+    const bool staysOpen = paths.size() <= maxOpenFiles;
+    int next = 0;
+    return sort([this, staysOpen, &next](FileHead *head) {
+        *head = FileHead::read(paths.at(next++), headBytes, staysOpen);
+        return goOn();
+    });
+}
+
+bool ContentClasses::sort(const Heads &heads)
+{
+    return paths.size() <= maxOpenFiles ? sortFew(heads) : sortMany(heads);
 }
 
 qint64 ContentClasses::lengthOf(int index) const
@@ -108,34 +110,31 @@ qint64 ContentClasses::lengthOf(int index) const
     return limit < 0 ? size : std::min(size, limit);
 }
 
-// False also for a file that has bytes behind its announced end: it is like no other.
-bool ContentClasses::open(int index, RegularFile *file)
+// False for a file that is like no other.
+bool ContentClasses::note(int index, const FileHead &head)
 {
-    File &known = at(index);
-    known.isReadable = file->open(paths.at(index));
-    if (!known.isReadable) {
-        known.error = file->errorString();
-        return false;
-    }
-    known.size = file->size();
-    known.modified = file->modified();
-    if (known.size > 0) {
-        return limit <= known.size;
-    }
-    char byte = 0;
-    const qint64 surplus = file->read(&byte, 1);
-    if (surplus < 0) {
-        fail(index, *file);
-    }
-    return surplus == 0 && limit <= 0;
+    File &file = at(index);
+    file.isReadable = head.outcome != FileHead::Outcome::Failed;
+    file.error = head.error;
+    file.size = head.size;
+    file.modified = head.modified;
+    return head.outcome == FileHead::Outcome::Read && limit <= head.size;
 }
 
 // What was learned from it before is worth nothing once it has changed.
 bool ContentClasses::openAgain(int index, RegularFile *file)
 {
-    const File before = at(index);
-    return open(index, file) && at(index).size == before.size
-        && at(index).modified == before.modified;
+    if (!file->open(paths.at(index))) {
+        fail(index, file->errorString());
+        return false;
+    }
+    return file->size() == at(index).size && file->modified() == at(index).modified;
+}
+
+void ContentClasses::fail(int index, const QString &error)
+{
+    at(index).isReadable = false;
+    at(index).error = error;
 }
 
 char *ContentClasses::blocksFor(std::size_t bytes)
@@ -147,12 +146,6 @@ char *ContentClasses::blocksFor(std::size_t bytes)
     return blocks.get();
 }
 
-void ContentClasses::fail(int index, const RegularFile &file)
-{
-    at(index).isReadable = false;
-    at(index).error = file.errorString();
-}
-
 void ContentClasses::join(const Part &part)
 {
     const int first = *std::min_element(part.begin(), part.end());
@@ -161,6 +154,22 @@ void ContentClasses::join(const Part &part)
     }
 }
 
+bool ContentClasses::sortFew(const Heads &heads)
+{
+    OpenFiles files;
+    for (int index = 0; index < paths.size(); ++index) {
+        OpenFile file = {index, {}};
+        if (!heads(&file.head)) {
+            return false;
+        }
+        if (note(index, file.head)) {
+            files.push_back(std::move(file));
+        }
+    }
+    return sortOpen(std::move(files));
+}
+
+// Once more from the start: they seemed equal, or their hashes coincide.
 bool ContentClasses::sortFew(const Part &part)
 {
     OpenFiles files;
@@ -168,41 +177,45 @@ bool ContentClasses::sortFew(const Part &part)
         if (!goOn()) {
             return false;
         }
-        OpenFile file = {index, {}};
-        if (open(index, &file.file)) {
+        OpenFile file = {index, FileHead::read(paths.at(index), headBytes, true)};
+        if (note(index, file.head)) {
             files.push_back(std::move(file));
         }
     }
-    const auto sizeOf = [this](const OpenFile &file) {
-        return at(file.index).size;
+    return sortOpen(std::move(files));
+}
+
+bool ContentClasses::sortOpen(OpenFiles files)
+{
+    const auto areEqual = [this](const OpenFile &a, const OpenFile &b) {
+        const qint64 length = lengthOf(a.index);
+        return length == lengthOf(b.index)
+            && std::memcmp(a.head.bytes.constData(),
+                           b.head.bytes.constData(),
+                           toSize(std::min(length, headBytes)))
+            == 0;
     };
-    std::stable_sort(files.begin(), files.end(), [&](const OpenFile &a, const OpenFile &b) {
-        return limit < 0 && sizeOf(a) < sizeOf(b);
+    std::vector<OpenFiles> parts = split(std::move(files), areEqual);
+    return std::all_of(parts.begin(), parts.end(), [this](OpenFiles &part) {
+        return compareOpen(std::move(part), headBytes);
     });
-    while (!files.empty()) {
-        const auto end = std::find_if(files.begin(), files.end(), [&](const OpenFile &file) {
-            return limit < 0 && sizeOf(file) != sizeOf(files.front());
-        });
-        OpenFiles sameSize(std::make_move_iterator(files.begin()), std::make_move_iterator(end));
-        files.erase(files.begin(), end);
-        if (!compareOpen(std::move(sameSize), 0)) {
-            return false;
-        }
-    }
-    return true;
 }
 
 // All files of the part stand at the same place and agree up to there.
 bool ContentClasses::compareOpen(OpenFiles part, qint64 done)
 {
     while (part.size() > 1 && done < lengthOf(part.front().index)) {
-        const qint64 rest = lengthOf(part.front().index) - done;
-        const qint64 bytes = std::min(rest, done == 0 ? headBytes : blockBytes);
+        const qint64 bytes = std::min(lengthOf(part.front().index) - done, blockBytes);
         if (!readBlock(&part, bytes)) {
             return false;
         }
         done += bytes;
-        std::vector<OpenFiles> parts = splitByBlock(std::move(part), bytes);
+        const char *const first = blocks.get();
+        std::vector<OpenFiles> parts =
+            split(std::move(part), [first, bytes](const OpenFile &a, const OpenFile &b) {
+                return std::memcmp(first + a.block * bytes, first + b.block * bytes, toSize(bytes))
+                    == 0;
+            });
         part.clear();
         if (!parts.empty()) {
             part = std::move(parts.back());
@@ -233,10 +246,10 @@ bool ContentClasses::readBlock(OpenFiles *part, qint64 bytes)
         if (!goOn()) {
             return false;
         }
-        char *const block = buffer + toSize(bytes) * complete.size();
-        const qint64 done = file.file.read(block, bytes);
+        file.block = static_cast<qint64>(complete.size());
+        const qint64 done = file.head.file.read(buffer + file.block * bytes, bytes);
         if (done < 0) {
-            fail(file.index, file.file);
+            fail(file.index, file.head.file.errorString());
         }
         if (done == bytes) {
             complete.push_back(std::move(file));
@@ -246,32 +259,31 @@ bool ContentClasses::readBlock(OpenFiles *part, qint64 bytes)
     return true;
 }
 
-std::vector<ContentClasses::OpenFiles> ContentClasses::splitByBlock(OpenFiles part,
-                                                                    qint64 bytes) const
+// Into parts of files that are equal to each other.
+template<typename AreEqual>
+std::vector<ContentClasses::OpenFiles> ContentClasses::split(OpenFiles part,
+                                                             const AreEqual &areEqual)
 {
     std::vector<OpenFiles> parts;
-    std::vector<const char *> blockOfPart;
-    const char *block = blocks.get();
     for (OpenFile &file : part) {
-        const auto same = std::find_if(blockOfPart.begin(), blockOfPart.end(), [&](const char *b) {
-            return std::memcmp(b, block, toSize(bytes)) == 0;
+        const auto same = std::find_if(parts.begin(), parts.end(), [&](const OpenFiles &other) {
+            return areEqual(other.front(), file);
         });
-        const auto number = same - blockOfPart.begin();
-        if (same == blockOfPart.end()) {
-            blockOfPart.push_back(block);
+        if (same != parts.end()) {
+            same->push_back(std::move(file));
+        } else {
             parts.emplace_back();
+            parts.back().push_back(std::move(file));
         }
-        parts[toSize(number)].push_back(std::move(file));
-        block += bytes;
     }
     return parts;
 }
 
-bool ContentClasses::sortMany()
+bool ContentClasses::sortMany(const Heads &heads)
 {
-    Heads heads(paths.size());
+    KeptHeads kept(paths.size());
     Part files;
-    if (!readHeads(&heads, &files)) {
+    if (!keepHeads(heads, &kept, &files)) {
         return false;
     }
     const auto rank = [this](int index) {
@@ -281,33 +293,25 @@ bool ContentClasses::sortMany()
     return forEachRun(
         files,
         [&](int a, int b) { return rank(a) == rank(b); },
-        [&](const Part &part) { return sortByHeads(part, heads); });
+        [&](const Part &part) { return sortByHeads(part, kept); });
 }
 
 // Leaves out what cannot be read, or is like no other file anyway.
-bool ContentClasses::readHeads(Heads *heads, Part *files)
+bool ContentClasses::keepHeads(const Heads &heads, KeptHeads *kept, Part *files)
 {
     hashes.resize(sorted.size());
-    char *const head = blocksFor(toSize(headBytes));
     for (int index = 0; index < paths.size(); ++index) {
-        if (!goOn()) {
+        FileHead head;
+        if (!heads(&head)) {
             return false;
         }
-        RegularFile file;
-        if (!open(index, &file)) {
+        if (!note(index, head)) {
             continue;
         }
         const qint64 bytes = std::min(lengthOf(index), headBytes);
-        const qint64 done = file.read(head, bytes);
-        if (done < 0) {
-            fail(index, file);
-        }
-        if (done != bytes) {
-            continue;
-        }
-        hashes[toSize(index)] = ContentHash::of(head, bytes);
-        if (heads->areKept(bytes)) {
-            heads->keep(index, head, bytes);
+        hashes[toSize(index)] = ContentHash::of(head.bytes.constData(), bytes);
+        if (kept->areKept(bytes)) {
+            kept->keep(index, head.bytes.constData(), bytes);
         }
         files->push_back(index);
     }
@@ -315,20 +319,20 @@ bool ContentClasses::readHeads(Heads *heads, Part *files)
 }
 
 // The hashes of their heads agree.
-bool ContentClasses::sortByHeads(const Part &part, const Heads &heads)
+bool ContentClasses::sortByHeads(const Part &part, const KeptHeads &kept)
 {
     if (part.size() < 2) {
         return true;
     }
     const qint64 bytes = std::min(lengthOf(part.front()), headBytes);
-    if (!heads.areKept(bytes)) {
+    if (!kept.areKept(bytes)) {
         return refine(part, bytes);
     }
     // Hashes may coincide; what does not equal the first is compared anew.
     Part equal;
     Part others;
     for (const int index : part) {
-        (heads.areEqual(part.front(), index, bytes) ? equal : others).push_back(index);
+        (kept.areEqual(part.front(), index, bytes) ? equal : others).push_back(index);
     }
     if (bytes < lengthOf(part.front())) {
         return refine(equal, bytes) && refine(others, 0);
@@ -343,7 +347,7 @@ bool ContentClasses::refine(const Part &part, qint64 done)
     if (part.size() < 2) {
         return true;
     }
-    if (part.size() <= maxOpenFiles) {
+    if (part.size() <= toSize(maxOpenFiles)) {
         return sortFew(part);
     }
     const qint64 length = lengthOf(part.front());
@@ -474,7 +478,7 @@ bool ContentClasses::readBytes(int index,
         const qint64 wanted = std::min(rest, blockBytes);
         const qint64 done = file.read(block, wanted);
         if (done < 0) {
-            fail(index, file);
+            fail(index, file.errorString());
         }
         if (done != wanted || !visit(block, wanted)) {
             return true;

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "engine/FileHead.h"
 #include "engine/GoOn.h"
-#include "engine/RegularFile.h"
 
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -33,6 +34,12 @@ public:
         QString error; // why it cannot be read
     };
 
+    /** Gives the heads of the files, in their order, each once; false ends the work. */
+    using Heads = std::function<bool(FileHead *head)>;
+
+    /** So many files or fewer are read side by side, from open heads. */
+    static constexpr int maxOpenFiles = 64;
+
     /**
      * Files of other sizes are never equal; with a limit only the first bytes count, that many, and
      * shorter files are alone.
@@ -45,34 +52,40 @@ public:
 
     /** Reads the files. False when it was ended before. */
     bool sort();
+    /** The same with heads that somebody else reads. */
+    bool sort(const Heads &heads);
     /** One for each path, in their order. */
     const std::vector<File> &files() const { return sorted; }
 
 private:
     struct OpenFile {
         int index;
-        RegularFile file;
+        FileHead head;
+        qint64 block = 0; // its number among those just read
     };
     using OpenFiles = std::vector<OpenFile>;
     using Part = std::vector<int>; // indexes, ascending
-    struct Heads;
+    struct KeptHeads;
 
     File &at(int index) { return sorted[static_cast<std::size_t>(index)]; }
     qint64 lengthOf(int index) const;
-    bool open(int index, RegularFile *file);
+    bool note(int index, const FileHead &head);
     bool openAgain(int index, RegularFile *file);
-    char *blocksFor(std::size_t bytes);
-    void fail(int index, const RegularFile &file);
+    void fail(int index, const QString &error);
     void join(const Part &part);
+    char *blocksFor(std::size_t bytes);
 
+    bool sortFew(const Heads &heads);
     bool sortFew(const Part &part);
+    bool sortOpen(OpenFiles files);
     bool compareOpen(OpenFiles part, qint64 done);
     bool readBlock(OpenFiles *part, qint64 bytes);
-    std::vector<OpenFiles> splitByBlock(OpenFiles part, qint64 bytes) const;
+    template<typename AreEqual>
+    static std::vector<OpenFiles> split(OpenFiles part, const AreEqual &areEqual);
 
-    bool sortMany();
-    bool readHeads(Heads *heads, Part *files);
-    bool sortByHeads(const Part &part, const Heads &heads);
+    bool sortMany(const Heads &heads);
+    bool keepHeads(const Heads &heads, KeptHeads *kept, Part *files);
+    bool sortByHeads(const Part &part, const KeptHeads &kept);
     bool refine(const Part &part, qint64 done);
     bool refineByHash(const Part &part, qint64 from, qint64 to);
     bool hashBytes(int index, qint64 from, qint64 to, bool *isRead);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "engine/ExactGroups.h"
-#include "engine/GoOn.h"
+#include "engine/FolderWalk.h"
+#include "engine/Grouping.h"
 
 #include <QElapsedTimer>
 #include <QFileInfoList>
@@ -11,12 +11,8 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
-#include <QVector>
 
-class BucketPairs;
-class ContentClasses;
 class Controller;
-class DuplicateGroup;
 class Model;
 
 /**
@@ -62,10 +58,10 @@ public:
     bool compareByteByByte(const QString &a, const QString &b) const;
 
     // The state of the last scan, or of the one that runs.
-    QStringList foundFiles() const { return allFiles; }
-    QHash<QString, QStringList> foundGroups() const { return duplicatedGroups; }
-    int groupedFilesCount() const { return countFoundedDuplicated; }
-    qint32 groupedFilesSize() const { return summFileSize; }
+    QStringList foundFiles() const { return files.paths; }
+    QHash<QString, QStringList> foundGroups() const { return result.groups; }
+    int groupedFilesCount() const { return result.groupedFiles; }
+    qint32 groupedFilesSize() const { return result.groupedBytes; }
     bool isStopRequested() const { return stopRequested; }
 
 public slots:
@@ -98,36 +94,14 @@ signals:
     void addedDuplicatedPath(const QString &filepath);
 
 private:
-    struct Walk;
-    struct Frame;
-    struct Chain;
-    struct Bucket;
-    using Buckets = QHash<QString, Chain>;
-
-    struct Placement;
-    struct ReadFile;
-
     void runScan();
-    void walkFolder(const Walk &walk,
-                    const QString &folder,
-                    const Frame *parent,
-                    QStringList *names);
-    bool walkSubfolders(const Walk &walk, const Frame &frame);
-    void announceFile(const QString &path);
-    bool sortIntoBuckets(const QStringList &files, Buckets *buckets, QVector<int> *next);
-    bool confirmBucket(const Bucket &bucket);
-    void keepExactGroups(const Bucket &bucket, const ContentClasses &classes);
-    bool addLonger(const Bucket &bucket, const ContentClasses &classes, BucketPairs *pairs);
-    bool placeRow(Placement *placement, int first);
-    void placePair(Placement *placement, int first, int second);
-    void storeByKey(const QString &path, const QString &key, qint64 size);
-    void keepExactGroups(const QStringList &files, const QVector<ReadFile> &readFiles);
+    FolderWalk::Events walkEvents();
+    Grouping::Events groupingEvents();
     void publish(const QList<QStringList> &groups) const;
     QList<QStringList> groupsOfSeveral() const;
-    void addToSum(qint64 bytes);
     void resetCounters();
     bool letEventsIn();
-    GoOn whileReading();
+    bool whileReading();
 
     Model *model;
     Controller *controller;
@@ -135,9 +109,6 @@ private:
     bool isScanning = false;
     bool isRestartRequested = false;
     QElapsedTimer lastEventPass;
-    QStringList allFiles;
-    QHash<QString, QStringList> duplicatedGroups;
-    ExactGroups exactGroups;
-    int countFoundedDuplicated = 0;
-    qint32 summFileSize = 0;
+    Grouping::Files files;
+    Grouping::Result result;
 };

@@ -30,7 +30,12 @@ QDateTime creationTime(const QFileInfo &info)
 
 QString FileKey::ofAttributes(const QString &path, const ScanProfile &profile)
 {
-    QByteArray key = QByteArray::number(RegularFile::sizeOf(path));
+    return ofAttributes(path, RegularFile::sizeOf(path), profile);
+}
+
+QString FileKey::ofAttributes(const QString &path, qint64 size, const ScanProfile &profile)
+{
+    QByteArray key = QByteArray::number(size);
     if (profile.sameFileName || profile.sameFileExtension || profile.sameDateOfCreation) {
         const QFileInfo info(path);
         if (profile.sameFileName) {

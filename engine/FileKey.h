@@ -16,6 +16,8 @@ namespace FileKey
  * keys of different attributes may coincide. Never empty; the file is not opened.
  */
 QString ofAttributes(const QString &path, const ScanProfile &profile);
+/** The same when the size is known. */
+QString ofAttributes(const QString &path, qint64 size, const ScanProfile &profile);
 
 /** A key of the content, and the file as it was when it was read. */
 struct Checksum {

@@ -14,16 +14,6 @@ struct Sortable {
     Entry entry;
 };
 
-const QString &nameOf(const QString &file)
-{
-    return file;
-}
-
-const QString &nameOf(const FolderListing::Folder &folder)
-{
-    return folder.name;
-}
-
 template<typename List>
 void sortByName(List *list)
 {
@@ -31,11 +21,11 @@ void sortByName(List *list)
     std::vector<Sortable<Entry>> sortables;
     sortables.reserve(static_cast<std::size_t>(list->size()));
     for (const Entry &entry : qAsConst(*list)) {
-        sortables.push_back({nameOf(entry).toLower(), entry});
+        sortables.push_back({entry.name.toLower(), entry});
     }
     std::sort(sortables.begin(), sortables.end(), [](const auto &a, const auto &b) {
         const int order = a.lowerName.compare(b.lowerName);
-        return order != 0 ? order < 0 : nameOf(a.entry) < nameOf(b.entry);
+        return order != 0 ? order < 0 : a.entry.name < b.entry.name;
     });
     for (int i = 0; i < list->size(); ++i) {
         (*list)[i] = std::move(sortables[static_cast<std::size_t>(i)].entry);

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "engine/FileSystemKind.h"
+#include "engine/GoOn.h"
+
 #include <QString>
-#include <QStringList>
 #include <QVector>
 
 class FileMasks;
@@ -10,14 +12,20 @@ class FileMasks;
 /** Lists a folder as QDir::entryInfoList() does, without a QFileInfo for each entry. */
 namespace FolderListing
 {
+struct File {
+    QString name;
+    qint64 size; // bytes; 0 when it could not be told
+};
+
 struct Folder {
     QString name;
     bool isLink;
 };
 
 struct Entries {
-    QStringList files;
+    QVector<File> files;
     QVector<Folder> folders;
+    FileSystemKind fileSystem = FileSystemKind::Storage;
 };
 
 /**
@@ -28,8 +36,10 @@ struct Entries {
  *
  * Both lists are sorted by name ignoring case, names that differ in case alone by their characters.
  * The toolkit sorts so when it is asked for QDir::NoSort, which stands for the sorting of the QDir.
+ *
+ * Asks at each name whether to go on; without leave the rest is left out. Usable on any thread.
  */
-Entries list(const QString &folder, const FileMasks &masks);
+Entries list(const QString &folder, const FileMasks &masks, const GoOn &goOn);
 
 /** The absolute path without links, of a folder that exists; null when it cannot be told. */
 QString canonicalPath(const QString &folder);

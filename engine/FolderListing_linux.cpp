@@ -13,10 +13,18 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 
 namespace
 {
+// Those that the system's header does not name, from the sources of Linux.
+constexpr quint32 configfsMagic = 0x62656570;
+constexpr quint32 fusectlMagic = 0x65735543;
+constexpr quint32 mqueueMagic = 0x19800202;
+constexpr quint32 rpcPipefsMagic = 0x67596969;
+
 struct CloseDir {
     void operator()(DIR *dir) const { ::closedir(dir); }
 };
@@ -62,6 +70,53 @@ mode_t typeOf(int dirDescriptor, const dirent &entry)
                                       : typeOf(dirDescriptor, entry.d_name, AT_SYMLINK_NOFOLLOW);
 }
 
+FileSystemKind fileSystemOf(int dirDescriptor)
+{
+    struct statfs status = {};
+    if (::fstatfs(dirDescriptor, &status) != 0) {
+        return FileSystemKind::Storage;
+    }
+    // On some systems the type is a signed number.
+    switch (static_cast<quint32>(status.f_type)) {
+    case ANON_INODE_FS_MAGIC:
+    case BINFMTFS_MAGIC:
+    case BPF_FS_MAGIC:
+    case CGROUP2_SUPER_MAGIC:
+    case CGROUP_SUPER_MAGIC:
+    case DEBUGFS_MAGIC:
+    case DEVPTS_SUPER_MAGIC:
+    case EFIVARFS_MAGIC:
+    case HUGETLBFS_MAGIC:
+    case NSFS_MAGIC:
+    case PIPEFS_MAGIC:
+    case PROC_SUPER_MAGIC:
+    case PSTOREFS_MAGIC:
+    case SECURITYFS_MAGIC:
+    case SELINUX_MAGIC:
+    case SMACK_MAGIC:
+    case SOCKFS_MAGIC:
+    case SYSFS_MAGIC:
+    case TRACEFS_MAGIC:
+    case configfsMagic:
+    case fusectlMagic:
+    case mqueueMagic:
+    case rpcPipefsMagic:
+        return FileSystemKind::Pseudo;
+    case AFS_SUPER_MAGIC:
+    case CEPH_SUPER_MAGIC:
+    case CIFS_SUPER_MAGIC:
+    case CODA_SUPER_MAGIC:
+    case FUSE_SUPER_MAGIC:
+    case NFS_SUPER_MAGIC:
+    case SMB2_SUPER_MAGIC:
+    case SMB_SUPER_MAGIC:
+    case V9FS_MAGIC:
+        return FileSystemKind::Remote;
+    default:
+        return FileSystemKind::Storage;
+    }
+}
+
 void addEntry(FolderListing::Entries *entries,
               const FileMasks &masks,
               int dirDescriptor,
@@ -84,12 +139,16 @@ void addEntry(FolderListing::Entries *entries,
     if (type != S_IFREG) {
         entries->folders.append({name, type == S_IFLNK});
     } else if (masks.match(name)) {
-        entries->files.append(name);
+        struct stat status = {};
+        const bool isKnown = ::fstatat(dirDescriptor, entry.d_name, &status, 0) == 0;
+        entries->files.append({name, isKnown ? qint64(status.st_size) : 0});
     }
 }
 } // namespace
 
-FolderListing::Entries FolderListing::list(const QString &folder, const FileMasks &masks)
+FolderListing::Entries FolderListing::list(const QString &folder,
+                                           const FileMasks &masks,
+                                           const GoOn &goOn)
 {
     Entries entries;
     const QByteArray path = QFile::encodeName(QDir(folder).path());
@@ -97,7 +156,11 @@ FolderListing::Entries FolderListing::list(const QString &folder, const FileMask
     if (!dir) {
         return entries;
     }
+    entries.fileSystem = fileSystemOf(::dirfd(dir.get()));
     while (const dirent *const entry = ::readdir(dir.get())) {
+        if (!goOn()) {
+            break;
+        }
         if (entry->d_name[0] != '.') {
             addEntry(&entries, masks, ::dirfd(dir.get()), *entry);
         }

@@ -5,15 +5,20 @@
 #include <QDir>
 #include <QFileInfo>
 
-FolderListing::Entries FolderListing::list(const QString &folder, const FileMasks &masks)
+FolderListing::Entries FolderListing::list(const QString &folder,
+                                           const FileMasks &masks,
+                                           const GoOn &goOn)
 {
     const QDir dir(folder);
     Entries entries;
     const QFileInfoList files =
         dir.entryInfoList(QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot, QDir::NoSort);
     for (const QFileInfo &file : files) {
+        if (!goOn()) {
+            return entries;
+        }
         if (masks.match(file.fileName())) {
-            entries.files.append(file.fileName());
+            entries.files.append({file.fileName(), file.size()});
         }
     }
     const QFileInfoList folders =

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/engine/EngineRig.h"
 
+#include "engine/Background.h"
 #include "engine/Configuration.h"
 
 #include <utility>
@@ -38,6 +39,8 @@ EngineRig::EngineRig(Model *model, Controller *controller)
         add(QStringLiteral("addedDuplicatedPath %1").arg(path));
     });
     finder->moveToThread(&thread);
+    // New threads have the rights of the thread that starts them.
+    Background::waitForDone(-1);
     thread.start();
 }
 
@@ -46,6 +49,7 @@ EngineRig::~EngineRig()
     thread.requestInterruption();
     thread.quit();
     thread.wait();
+    Background::waitForDone(-1);
 }
 
 QStringList EngineRig::scan(const QStringList &folders, const ScanProfile &profile)

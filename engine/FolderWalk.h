@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "engine/Background.h"
+#include "engine/FileMasks.h"
+#include "engine/FolderListing.h"
+#include "engine/GoOn.h"
+#include "engine/ScanProfile.h"
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+/**
+ * Walks folders with all below them, in the order of FolderListing, and tells which files a scan takes.
+ *
+ * Links to folders are followed, but not back up to a folder that is being walked, and no folder is
+ * entered through links more than a thousand times in a scan. File systems that show the system itself
+ * are not entered from another one. Folders that come next are listed ahead on other threads. Everything
+ * is told on the thread that walks.
+ */
+class FolderWalk final
+{
+public:
+    struct Events {
+        std::function<void(const QString &path, qint64 size)> fileFound;
+        /** All below the folder was walked. */
+        std::function<void(const QString &folder)> folderDone;
+        /** Asked after each folder below another: the rest is left out. */
+        std::function<bool()> isStopped;
+        /** Asked at the start of each folder: it is left out. */
+        std::function<bool()> isLeaving;
+        /** Asked while a listing takes long: false when it was stopped since. */
+        GoOn whileListing;
+    };
+
+    /** Takes the size limits of the profile; the masks are given by themselves. */
+    FolderWalk(const QStringList &includeMasks,
+               const QStringList &excludeMasks,
+               const ScanProfile &scanProfile,
+               Events walkEvents);
+    ~FolderWalk();
+
+    FolderWalk(const FolderWalk &) = delete;
+    FolderWalk &operator=(const FolderWalk &) = delete;
+
+    /** Returns the names of the folder's own files that match the include masks. */
+    QStringList walk(const QString &folder);
+
+private:
+    using Listing = Pending<FolderListing::Entries>;
+    struct Frame;
+
+    bool enter(const QString &folder, Listing listing, bool isTop);
+    Listing listAhead(const QString &folder, int depth) const;
+    Listing takeListing(Frame *frame, const QString &folder);
+    void listSubfoldersAhead(Frame *frame);
+    void walkSubfolders();
+    bool mayEnter(const QString &path, const FolderListing::Folder &folder);
+    bool isBeingWalked(const QString &canonicalFolder);
+    bool isTaken(const FolderListing::File &file) const;
+
+    FileMasks masks;
+    QStringList excluded;
+    ScanProfile profile;
+    Events events;
+    std::vector<std::unique_ptr<Frame>>
+        frames; // the folder that is being walked, under those above it
+    int listingsAhead = 0;
+    QHash<QString, int> entriesByLink;
+    bool isBoundReported = false;
+    QStringList topNames;
+};
