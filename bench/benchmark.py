@@ -4,7 +4,7 @@
 import os
 import shutil
 import time
-from dataclasses import dataclass
+from dataclasses import dataclass, field
 
 import measure
 import workloads
@@ -16,6 +16,8 @@ OURS = "twinsift-scan"
 AGAINST_FINDERS = "time against the fastest of %s" % ", ".join(FINDERS)
 # What keeps its files in memory is never cold.
 MEMORY_FILE_SYSTEMS = ("tmpfs", "ramfs")
+# The finders that decide nothing may take many times as long, and get fewer rounds.
+PARALLEL_RUNS = 2
 
 
 def say(line=""):
@@ -24,11 +26,13 @@ def say(line=""):
 
 @dataclass(frozen=True)
 class Comparison:
-    """Our runs and those of other tools, taken in turn. The parallel ones decide nothing."""
+    """Our runs and those of other tools, taken in turn. The parallel ones decide nothing, and have
+    runs of ours beside them."""
 
     ours: measure.Series
     references: dict
-    parallel: dict
+    beside_parallel: measure.Series = None
+    parallel: dict = field(default_factory=dict)
 
     @property
     def fastest(self):
@@ -50,7 +54,10 @@ class Comparison:
         return self.ours.is_disturbed or self.fastest.is_disturbed
 
     def others(self, quantity):
-        return {name: self.ours.against(each, quantity) for name, each in self.parallel.items()}
+        return {
+            name: self.beside_parallel.against(each, quantity)
+            for name, each in self.parallel.items()
+        }
 
     def __str__(self):
         series = {OURS: self.ours, **self.references, **self.parallel}
@@ -148,14 +155,14 @@ class Bench:
         say("SKIP: %s: %s" % (workload, reason))
 
     def compare(self, ours, references, parallel=None, runs=None, before=None):
-        """Runs of our scan and of the others in turn; None where there is no reference."""
-        parallel = parallel or {}
-        series = self.alternate({OURS: ours, **references, **parallel}, runs, before)
-        return Comparison(
-            series[OURS],
-            {name: series[name] for name in references},
-            {name: series[name] for name in parallel},
-        )
+        """Runs of our scan and of the others in turn."""
+        series = self.alternate({OURS: ours, **references}, runs, before)
+        alone = series.pop(OURS)
+        if not parallel:
+            return Comparison(alone, series)
+        few = min(PARALLEL_RUNS, runs or self.runs)
+        beside = self.alternate({OURS: ours, **parallel}, few, before)
+        return Comparison(alone, series, beside.pop(OURS), beside)
 
     def add_ratio(self, workload, what, goal, comparison, **fields):
         """A row of our time against that of the fastest of the reference tools. Where the goal rests

@@ -170,9 +170,9 @@ def make_large(target, count, size):
 
 
 def make_photos(target, total, largest):
-    """Pictures of a quarter of the largest size up to it, in folders of a hundred, each with the same
-    header as a camera writes it. Every fifth has a copy in a folder for copies, and every twentieth
-    has the size of the one before it. Returns the number of copied ones and copies."""
+    """Pictures of a quarter of the largest size up to it, in folders of a hundred, that differ behind
+    the header that a camera writes. Every fifth has a copy in a folder for copies, every twentieth the
+    size of the one before it. Returns the number of the copied ones and their copies."""
     generator = random.Random(8)
     header = generator.randbytes(600)
     filler = generator.randbytes(largest)
@@ -185,10 +185,8 @@ def make_photos(target, total, largest):
         if count % 20 != 19:
             size = generator.randrange(largest // 4, largest)
         path = os.path.join(folder, "IMG_%05d.jpg" % count)
-        # Random bytes in another order each time: no two blocks of a picture or of two are equal.
-        start = generator.randrange(largest)
-        pixels = (filler[start:] + filler[:start])[: size - len(header) - 8]
-        write(path, header, count.to_bytes(8, "little"), pixels)
+        number = count.to_bytes(8, "little")
+        write(path, header, number, filler[: size - len(header) - len(number)])
         done += size
         if count % 5 == 4:
             shutil.copyfile(path, os.path.join(copies, os.path.basename(path)))
