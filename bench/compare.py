@@ -28,6 +28,7 @@ from tools import machine
 STEPS = {
     "real": rows_trees.real_trees,
     "cold": rows_trees.cold_trees,
+    "photos": rows_trees.photos,
     "pair": rows_trees.equal_pair,
     "copies": rows_trees.copies,
     "one-size": rows_buckets.one_size,

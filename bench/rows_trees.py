@@ -49,6 +49,9 @@ def cold_trees(bench):
         folder, count = take(bench, source)
         against_finders_cold(bench, "%s, %d files, cold" % (source, count), folder, 0.45)
         bench.drop(folder)
+
+
+def photos(bench):
     sizes = bench.sizes
     total, largest = sizes.photo_bytes, sizes.max_photo_bytes
     folder, answer = bench.workload("photos", workloads.make_photos, total, largest)
