@@ -5,6 +5,7 @@ import os
 import statistics
 import subprocess
 import time
+from collections import Counter
 from dataclasses import dataclass
 
 # Where all programs are faster than that, the median is taken over twice the runs.
@@ -13,6 +14,8 @@ SHORT_SECONDS = 0.3
 MAX_OTHER_CORES = 0.5
 MAX_REPEATED_ROUNDS = 3
 TICKS_PER_SECOND = os.sysconf("SC_CLK_TCK")
+BYTES_PER_BLOCK = 512  # of those that the system counts, whatever the disk's are
+DROP_CACHES = "/proc/sys/vm/drop_caches"
 
 
 class Failure(Exception):
@@ -25,6 +28,7 @@ class Sample:
     cpu: float  # seconds, user and system
     peak_bytes: int
     other_cores: float  # how many cores the rest of the machine has kept busy meanwhile
+    disk_bytes: int = 0  # that had to come from a disk
 
     @property
     def is_disturbed(self):
@@ -54,6 +58,17 @@ class Series:
     def is_disturbed(self):
         """Whether even the median comes from a run that others have slowed down."""
         return 2 * sum(sample.is_disturbed for sample in self.samples) > len(self.samples)
+
+    @property
+    def disk_bytes(self):
+        return statistics.median(sample.disk_bytes for sample in self.samples)
+
+    def against(self, other, quantity):
+        """The median of the ratios of the rounds, so that what slows a whole round down cancels out."""
+        return statistics.median(
+            getattr(mine, quantity) / max(1e-6, getattr(theirs, quantity))
+            for mine, theirs in zip(self.samples, other.samples)
+        )
 
     def __str__(self):
         return "%.3f s (CPU %.3f s)" % (self.wall, self.cpu)
@@ -87,11 +102,18 @@ def run(command, environment, output=None):
         text = errors.decode("utf-8", "replace").strip()
         raise Failure("%s ended with %d: %s" % (command[0], process.returncode, text))
     cpu = usage.ru_utime + usage.ru_stime
-    return Sample(wall, cpu, usage.ru_maxrss * 1024, max(0.0, (busy - cpu) / wall))
+    return Sample(
+        wall,
+        cpu,
+        usage.ru_maxrss * 1024,
+        max(0.0, (busy - cpu) / wall),
+        usage.ru_inblock * BYTES_PER_BLOCK,
+    )
 
 
-def alternate(commands, environment, runs):
-    """A series for each command, by its name. Each round runs all of them once.
+def alternate(commands, environment, runs, before=None):
+    """A series for each command, by its name. Each round runs all of them once, each after a call of
+    what is to be done before.
 
     A round with a disturbed run is thrown away and repeated; after some of them the machine will not
     come to rest, and the others are taken as they are.
@@ -100,7 +122,11 @@ def alternate(commands, environment, runs):
     lost = 0
     wanted = runs
     while len(rounds) < wanted:
-        samples = {name: run(command, environment) for name, command in commands.items()}
+        samples = {}
+        for name, command in commands.items():
+            if before:
+                before()
+            samples[name] = run(command, environment)
         is_disturbed = any(sample.is_disturbed for sample in samples.values())
         if is_disturbed and runs > 1 and lost < MAX_REPEATED_ROUNDS:
             lost += 1
@@ -116,3 +142,31 @@ def values(command, environment, output):
     sample = run(command, environment, output)
     with open(output, encoding="ascii") as file:
         return {name: float(value) for name, value in (line.split() for line in file)}, sample
+
+
+def drop_caches():
+    """What was read from disks is forgotten, by the whole machine. Needs the right to do so."""
+    os.sync()
+    with open(DROP_CACHES, "w", encoding="ascii") as file:
+        file.write("3\n")
+
+
+def count_calls(tracer, command, environment, report):
+    """How often each system call is made, by its name, in all threads; strace writes a report.
+
+    A leak checker cannot look at a process that is traced.
+    """
+    run(
+        [tracer, "-f", "-c", "-o", report, *command],
+        {**environment, "ASAN_OPTIONS": "detect_leaks=0"},
+    )
+    with open(report, encoding="ascii") as file:
+        return parse_calls(file)
+
+
+def parse_calls(lines):
+    """The table of strace -c: the fourth column counts, the last one names; without the total."""
+    columns = [line.split() for line in lines]
+    calls = {each[-1]: int(each[3]) for each in columns if len(each) > 4 and each[3].isdigit()}
+    calls.pop("total", None)
+    return Counter(calls)

@@ -3,10 +3,9 @@
 
 import shutil
 import subprocess
-from dataclasses import dataclass
+from dataclasses import dataclass, field
 
 NOT_MEASURED = "not measured"
-COLUMNS = ("workload", "measure", "goal", "wall", "CPU", "verdict")
 
 
 @dataclass(frozen=True)
@@ -15,27 +14,42 @@ class Row:
 
     workload: str
     measure: str
-    goal: float
+    goal: float = None  # None for what is only printed
     at_least: bool = False  # else at most
     value: float = None  # by the clock on the wall; None when something was missing
     cpu: float = None  # the same from user and system time, where that says anything
-    by_cpu: bool = False  # others have disturbed the clock on the wall, the CPU time decides
+    is_disturbed: bool = False  # others have slowed the clock on the wall: the CPU time decides
     unit: str = ""
+    others: dict = field(default_factory=dict)  # as value, against tools that decide nothing
     detail: str = ""  # what stands behind the ratio, shown below the table
 
     @property
     def verdict(self):
-        if self.value is None:
+        if self.decisive is None:
             return NOT_MEASURED
-        by_cpu = self.by_cpu and self.cpu is not None
-        value = self.cpu if by_cpu else self.value
-        reached = value >= self.goal if self.at_least else value <= self.goal
-        return ("reached" if reached else "missed") + (" by CPU" if by_cpu else "")
+        if self.goal is None:
+            return "-"
+        reached = self.decisive >= self.goal if self.at_least else self.decisive <= self.goal
+        return ("reached" if reached else "missed") + self.reservation
 
-    def cells(self):
-        goal = "%s %g%s" % ("at least" if self.at_least else "at most", self.goal, self.unit)
-        numbers = (self.number(self.value), self.number(self.cpu))
-        return (self.workload, self.measure, goal, *numbers, self.verdict)
+    @property
+    def decisive(self):
+        """The number that is held against the goal."""
+        by_cpu = self.cpu is not None and (self.is_disturbed or self.value is None)
+        return self.cpu if by_cpu else self.value
+
+    @property
+    def reservation(self):
+        if not self.is_disturbed or self.value is None:
+            return ""
+        return ", disturbed" if self.cpu is None else " by CPU"
+
+    def cells(self, others):
+        goal = "-"
+        if self.goal is not None:
+            goal = "%s %g%s" % ("at least" if self.at_least else "at most", self.goal, self.unit)
+        numbers = (self.value, self.cpu, *(self.others.get(name) for name in others))
+        return (self.workload, self.measure, goal, *map(self.number, numbers), self.verdict)
 
     def number(self, value):
         if value is None:
@@ -45,8 +59,10 @@ class Row:
 
 def table(rows):
     """The rows as text, in a form that also reads as Markdown."""
-    lines = [COLUMNS] + [row.cells() for row in rows]
-    widths = [max(len(line[column]) for line in lines) for column in range(len(COLUMNS))]
+    others = sorted({name for row in rows for name in row.others})
+    head = ("workload", "measure", "goal", "wall", "CPU", *others, "verdict")
+    lines = [head] + [row.cells(others) for row in rows]
+    widths = [max(len(line[column]) for line in lines) for column in range(len(head))]
     lines.insert(1, tuple("-" * width for width in widths))
     return "\n".join(
         "| " + " | ".join(cell.ljust(width) for cell, width in zip(line, widths)) + " |"

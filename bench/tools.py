@@ -6,7 +6,11 @@ import platform
 import shutil
 
 FINDERS = ("fdupes", "jdupes", "rdfind")
+# Finders that use several threads: columns of their own, no goal is set against them.
+PARALLEL_FINDERS = ("rmlint",)
 OTHERS = ("cmp", "md5sum", "sha1sum")
+HELPERS = ("strace", "taskset")
+ALL = FINDERS + PARALLEL_FINDERS + OTHERS + HELPERS
 
 
 class Tools:
@@ -14,7 +18,7 @@ class Tools:
 
     def __init__(self, build):
         self.build = os.path.abspath(build)
-        self.paths = {name: shutil.which(name) for name in FINDERS + OTHERS}
+        self.paths = {name: shutil.which(name) for name in ALL}
 
     def missing(self):
         return [name for name, path in self.paths.items() if path is None]
@@ -31,11 +35,24 @@ class Tools:
             "fdupes": ["-q", "-r"],
             "jdupes": ["-q", "-z", "-r"],
             "rdfind": ["-ignoreempty", "false", "-outputname", os.devnull],
+            "rmlint": ["-T", "duplicates", "-s", "0", "-o", "fdupes:stdout"],
         }
         return [self.paths[name], *options[name], folder]
 
-    def finders(self, folder):
-        return {name: self.finder(name, folder) for name in FINDERS if self.paths[name]}
+    def finders(self, folder, names=FINDERS):
+        return {name: self.finder(name, folder) for name in names if self.paths[name]}
+
+    def parallel_finders(self, folder):
+        return self.finders(folder, PARALLEL_FINDERS)
+
+    def on_cores(self, count, command):
+        """The command held to so many cores; None where that cannot be done."""
+        if self.paths["taskset"] is None:
+            return None
+        cores = sorted(os.sched_getaffinity(0))
+        if len(cores) < count:
+            return None
+        return [self.paths["taskset"], "-c", ",".join(map(str, cores[:count])), *command]
 
     def other(self, name, *arguments):
         """A command by its name, or nothing where the tool is missing."""

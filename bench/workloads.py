@@ -24,6 +24,13 @@ class Sizes:
     copies: int
     copy_bytes: int
     bucket_files: int
+    one_size_files: tuple
+    class_files: int  # of a class of content, and of the empty files
+    large_class_files: int  # of those that are read far or to their end
+    large_class_bytes: int  # of each
+    giant_bytes: int
+    photo_bytes: int  # of all of them
+    max_photo_bytes: int
     hash_files: int
     hash_bytes: int
     many_depth: int  # folders are the leaves of a tree of this depth with ten branches each
@@ -37,6 +44,13 @@ FULL = Sizes(
     copies=300,
     copy_bytes=MIB,
     bucket_files=5000,
+    one_size_files=(20000, 100000),
+    class_files=100000,
+    large_class_files=256,
+    large_class_bytes=MIB,
+    giant_bytes=2048 * MIB,
+    photo_bytes=3072 * MIB,
+    max_photo_bytes=8 * MIB,
     hash_files=1000,
     hash_bytes=4 * MIB,
     many_depth=4,
@@ -49,6 +63,13 @@ TOY = Sizes(
     copies=10,
     copy_bytes=4096,
     bucket_files=40,
+    one_size_files=(70, 200),
+    class_files=200,
+    large_class_files=70,
+    large_class_bytes=MIB // 4,
+    giant_bytes=2 * MIB,
+    photo_bytes=400 * 1024,
+    max_photo_bytes=80 * 1024,
     hash_files=8,
     hash_bytes=65536,
     many_depth=1,
@@ -56,6 +77,7 @@ TOY = Sizes(
     window_branches=6,
 )
 
+FILLER_BYTES = 4000
 FILES_PER_FOLDER = 100
 # One file in so many is the twin of the one before it.
 TWIN_EVERY = 10
@@ -123,6 +145,17 @@ def make_different(target, count):
     return 0
 
 
+def make_one_size(target, count, beginning):
+    """Files of one size that differ from each other behind a common beginning. No right answer on
+    them groups one."""
+    generator = random.Random(7)
+    start = generator.randbytes(beginning)
+    rest = generator.randbytes(FILLER_BYTES)
+    for index in range(count):
+        write(os.path.join(target, "file%06d" % index), start, index.to_bytes(8, "little"), rest)
+    return 0
+
+
 def make_empty(target, count):
     for index in range(count):
         write(os.path.join(target, "file%05d" % index))
@@ -134,6 +167,70 @@ def make_large(target, count, size):
     for index in range(count):
         write(os.path.join(target, "file%05d" % index), index.to_bytes(8, "little"), content[8:])
     return 0
+
+
+def make_photos(target, total, largest):
+    """Pictures of a quarter of the largest size up to it, in folders of a hundred, that differ behind
+    the header that a camera writes. Every fifth has a copy in a folder for copies, every twentieth the
+    size of the one before it. Returns the number of the copied ones and their copies."""
+    generator = random.Random(8)
+    header = generator.randbytes(600)
+    filler = generator.randbytes(largest)
+    copies = os.path.join(target, "copies")
+    os.makedirs(copies)
+    count, copied, done, size = 0, 0, 0, 0
+    while done < total:
+        folder = os.path.join(target, "%03d" % (count // 100))
+        os.makedirs(folder, exist_ok=True)
+        if count % 20 != 19:
+            size = generator.randrange(largest // 4, largest)
+        path = os.path.join(folder, "IMG_%05d.jpg" % count)
+        number = count.to_bytes(8, "little")
+        write(path, header, number, filler[: size - len(header) - len(number)])
+        done += size
+        if count % 5 == 4:
+            shutil.copyfile(path, os.path.join(copies, os.path.basename(path)))
+            copied += 1
+            done += size
+        count += 1
+    return 2 * copied
+
+
+def make_empty_class(target, count):
+    make_empty(target, count)
+    return 1
+
+
+def make_equal(target, count):
+    """As the others below, returns the number of contents."""
+    make_copies(target, count, 4096)
+    return 1
+
+
+def make_late_difference(target, count, size, common):
+    """Files that differ in the bytes behind a common beginning, two at most."""
+    content = random.Random(9).randbytes(size)
+    for index in range(count):
+        mark = index.to_bytes(2, "big")[2 - min(2, size - common) :]
+        path = os.path.join(target, "file%06d" % index)
+        write(path, content[:common], mark, content[common + len(mark) :])
+    return count
+
+
+def make_interleaved(target, count, size):
+    """Two contents in turn, that differ in their last byte."""
+    content = random.Random(10).randbytes(size - 1)
+    for index in range(count):
+        write(os.path.join(target, "file%06d" % index), content, b"ab"[index % 2 : index % 2 + 1])
+    return 2
+
+
+def make_giant_among_small(target, count, size):
+    """Small files of one content, and in their middle a file that nothing equals."""
+    make_copies(target, count, 4096)
+    with open(os.path.join(target, "copy%04d-giant" % (count // 2)), "wb") as file:
+        file.truncate(size)
+    return 2
 
 
 class ManyFiles:
@@ -187,9 +284,9 @@ class ManyFiles:
         """Files with an equal one among the first so many."""
         return 2 * (files // TWIN_EVERY)
 
-    def twins_by_size(self, files):
-        """The files grouped byte by byte: a size has one group, opened by its first pair; each other
-        pair of it adds one file."""
+    def joined_twins(self, files):
+        """The files of the joined groups: a size has one group, which takes both files of its first
+        content and one more of each other."""
         contents = range(TWIN_EVERY - 2, files, TWIN_EVERY)
-        pairs_of_size = Counter(self.size_of(content) for content in contents)
-        return sum(pairs + 1 for pairs in pairs_of_size.values())
+        contents_of_size = Counter(self.size_of(content) for content in contents)
+        return sum(contents + 1 for contents in contents_of_size.values())
