@@ -5,6 +5,7 @@
 #include "app/Model.h"
 #include "app/ModelEvent.h"
 #include "app/Product.h"
+#include "engine/Background.h"
 #include "engine/Configuration.h"
 #include "engine/FileFinderEngine.h"
 #include "ui/Picture.h"
@@ -31,9 +32,13 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include <cstdlib>
+
 namespace
 {
 constexpr int postDelayMilliseconds = 10;
+// Of the engine, and of the threads that read for it.
+constexpr int maxMillisecondsOfLeaving = 750;
 constexpr int minimumWidthPixels = 1024;
 constexpr int minimumHeightPixels = 1280;
 
@@ -110,7 +115,12 @@ MainWindow::~MainWindow()
     // to the chain of deletions is an idle pair.
     engineThread->requestInterruption();
     engineThread->quit();
-    engineThread->wait();
+    if (!engineThread->wait(maxMillisecondsOfLeaving)
+        || !Background::waitForDone(maxMillisecondsOfLeaving)) {
+        // A thread waits for a file that nobody answers for, perhaps for ever, and nothing is left
+        // to be written: the user's actions on files are done before they return.
+        std::_Exit(EXIT_SUCCESS);
+    }
 }
 
 QHBoxLayout *MainWindow::createHeader()

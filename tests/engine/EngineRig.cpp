@@ -39,6 +39,8 @@ EngineRig::EngineRig(Model *model, Controller *controller)
         add(QStringLiteral("addedDuplicatedPath %1").arg(path));
     });
     finder->moveToThread(&thread);
+    // TWINSIFT_THREADS=16 reads ahead with so many threads.
+    Background::fixThreadCount(qEnvironmentVariableIntValue("TWINSIFT_THREADS"));
     // New threads have the rights of the thread that starts them.
     Background::waitForDone(-1);
     thread.start();
