@@ -10,6 +10,9 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
 
 class tst_Controller final : public TestCase
 {
@@ -185,14 +188,34 @@ void tst_Controller::unreachableServerIsSilent()
 
 void tst_Controller::silentServerIsGivenUp()
 {
-    // A server that takes the request and never answers is waited for no longer than 30 seconds.
+    // A server that takes the request and never answers, or has a header without an end that comes
+    // byte by byte, is waited for no longer than 30 seconds.
     HttpServer server;
     server.setSilent();
+    QTcpServer slowServer;
+    QVERIFY(slowServer.listen(QHostAddress::LocalHost));
+    bool isGivenUp = false;
+    connect(&slowServer, &QTcpServer::newConnection, this, [&] {
+        QTcpSocket *const socket = slowServer.nextPendingConnection();
+        socket->write("HTTP/1.1 200 OK\r\nA: ");
+        auto *const timer = new QTimer(socket);
+        connect(timer, &QTimer::timeout, socket, [socket] { socket->write("b"); });
+        connect(socket, &QTcpSocket::disconnected, this, [&] { isGivenUp = true; });
+        timer->start(50);
+    });
+    Model slowModel(nullptr);
+    const EventRecorder recorder(&slowModel);
+    Controller slowController(&slowModel, nullptr);
+    slowController.setUpdateFileUrl(
+        QUrl(QStringLiteral("http://127.0.0.1:%1/").arg(slowServer.serverPort())));
+    slowController.checkUpdate();
     QElapsedTimer timer;
     timer.start();
     QCOMPARE(check(server), QStringList());
     QVERIFY2(timer.elapsed() > 25000, qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(server.requests().size(), 1);
+    QTRY_VERIFY(isGivenUp);
+    QCOMPARE(recorder.events, QStringList());
 }
 
 void tst_Controller::severalChecksAtOnce()
