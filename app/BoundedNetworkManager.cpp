@@ -3,6 +3,7 @@
 
 #include "app/HttpAnswer.h"
 
+#include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QSslSocket>
 
@@ -17,6 +18,13 @@ constexpr int httpsPort = 443;
 bool isEncrypted(const QUrl &url)
 {
     return url.scheme() == QLatin1String("https");
+}
+
+bool needsProxy(const QUrl &url)
+{
+    const QList<QNetworkProxy> proxies =
+        QNetworkProxyFactory::proxyForQuery(QNetworkProxyQuery(url));
+    return !proxies.isEmpty() && proxies.first().type() != QNetworkProxy::NoProxy;
 }
 
 QByteArray requestFor(const QUrl &url)
@@ -72,6 +80,7 @@ BoundedReply::BoundedReply(const QNetworkRequest &networkRequest, QObject *paren
     setOperation(QNetworkAccessManager::GetOperation);
     QIODevice::open(QIODevice::ReadOnly);
     socket->setReadBufferSize(maxSocketBytes);
+    socket->setProxy(QNetworkProxy::NoProxy);
     connect(socket,
             isEncrypted(url()) ? &QSslSocket::encrypted : &QSslSocket::connected,
             this,
@@ -179,7 +188,8 @@ QNetworkReply *BoundedNetworkManager::createRequest(Operation operation,
 {
     const QString scheme = request.url().scheme();
     if (operation == GetOperation
-        && (scheme == QLatin1String("http") || scheme == QLatin1String("https"))) {
+        && (scheme == QLatin1String("http") || scheme == QLatin1String("https"))
+        && !needsProxy(request.url())) {
         return new BoundedReply(request, this);
     }
     return QNetworkAccessManager::createRequest(operation, request, outgoingData);

@@ -9,8 +9,8 @@
  * 256 KiB of an answer, and an answer of more than 64 KiB of head or of body has no body.
  *
  * The reply asks for a plain answer over a connection of its own, follows no redirection, knows no
- * passwords, cookies or cache, and checks certificates as the toolkit does. All other requests are
- * the toolkit's.
+ * passwords, cookies or cache, and checks certificates as the toolkit does. All other requests, and
+ * those through a proxy, which nobody sets in this program, are the toolkit's.
  */
 class BoundedNetworkManager final : public QNetworkAccessManager
 {

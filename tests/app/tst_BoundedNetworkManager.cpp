@@ -5,8 +5,10 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QSslConfiguration>
 #include <QSslKey>
@@ -182,6 +184,7 @@ private slots:
     void abortKeepsWhatHasCome();
     void managerMayEndFirst();
     void otherSchemesAreTheToolkits();
+    void proxyIsTheToolkits();
 
 private:
     static void trustServer(bool isTrusted);
@@ -420,6 +423,19 @@ void tst_BoundedNetworkManager::otherSchemesAreTheToolkits()
         QVERIFY2(got.error != QNetworkReply::NoError, nowhere);
         QCOMPARE(got.body, QByteArray());
     }
+}
+
+void tst_BoundedNetworkManager::proxyIsTheToolkits()
+{
+    // Where a proxy is set, the toolkit asks it, and names it the whole address.
+    RawServer proxy(false);
+    proxy.start = "HTTP/1.1 200 OK\r\n\r\nab";
+    QNetworkProxy::setApplicationProxy(
+        QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.serverPort()));
+    const auto forget =
+        qScopeGuard([] { QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy); });
+    QCOMPARE(get(QUrl(QStringLiteral("http://a.example/b"))).body, QByteArray("ab"));
+    QVERIFY(proxy.request.startsWith("GET http://a.example/b HTTP/1.1\r\n"));
 }
 
 TWINSIFT_TEST_MAIN(tst_BoundedNetworkManager)
