@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/Controller.h"
 #include "app/Model.h"
+#include "engine/FileFinderEngine.h"
 #include "tests/app/EventRecorder.h"
 #include "tests/support/HttpServer.h"
 #include "tests/support/TestCase.h"
@@ -21,6 +22,8 @@ class tst_Controller final : public TestCase
 private slots:
     void slotsInDeclaredOrder();
     void relaysTheEngine();
+    void signalsOfTheEngine_data();
+    void signalsOfTheEngine();
     void asksForTheUpdateFile();
     void updateAnswers_data();
     void updateAnswers();
@@ -95,6 +98,53 @@ void tst_Controller::relaysTheEngine()
                           QStringLiteral("1 1 2 1099511627776"),
                           QStringLiteral("6 /a/1=/a/2"),
                           QStringLiteral("6 ")}));
+}
+
+void tst_Controller::signalsOfTheEngine_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QVariantList>("arguments");
+    QTest::addColumn<QStringList>("events");
+    using Name = QByteArray;
+    const QList<QStringList> groups = {{QStringLiteral("/a/1"), QStringLiteral("/a/2")},
+                                       {QStringLiteral("/b"), QStringLiteral("/c")}};
+    QTest::newRow("2") << Name("findAllFilesStarted()") << QVariantList()
+                       << QStringList(QStringLiteral("2"));
+    QTest::newRow("0") << Name("countingFilesInFolder(int,QString)")
+                       << QVariantList{7, QStringLiteral("/a")}
+                       << QStringList(QStringLiteral("0 7 /a"));
+    QTest::newRow("3") << Name("findAllFilesFinished()") << QVariantList()
+                       << QStringList(QStringLiteral("3"));
+    QTest::newRow("4") << Name("findDuplicatedFilesStarted()") << QVariantList()
+                       << QStringList(QStringLiteral("4"));
+    QTest::newRow("1") << Name("countingFindFilesDuplicated(int,int,qlonglong)")
+                       << QVariantList{1, 2, qint64(3)} << QStringList(QStringLiteral("1 1 2 3"));
+    QTest::newRow("6") << Name("findDuplicatedFilesFinished(QList<QStringList>)")
+                       << QVariantList{QVariant::fromValue(groups)}
+                       << QStringList(QStringLiteral("6 /a/1=/a/2;/b=/c"));
+    QTest::newRow("none") << Name("addedDuplicatedPath(QString)")
+                          << QVariantList{QStringLiteral("/a")} << QStringList();
+}
+
+void tst_Controller::signalsOfTheEngine()
+{
+    // Each signal of the engine becomes one event, of its own type and with its arguments in order.
+    QFETCH(const QByteArray, name);
+    QFETCH(const QVariantList, arguments);
+    Model model(nullptr);
+    const EventRecorder recorder(&model);
+    Controller controller(&model, nullptr);
+    FileFinderEngine engine(&model, &controller, nullptr);
+    const QMetaMethod signal =
+        engine.metaObject()->method(engine.metaObject()->indexOfSignal(name.constData()));
+    QVERIFY(signal.isValid());
+    QGenericArgument generic[3];
+    for (int i = 0; i < arguments.size(); ++i) {
+        generic[i] = QGenericArgument(arguments.at(i).typeName(), arguments.at(i).constData());
+    }
+    QVERIFY(signal.invoke(&engine, Qt::DirectConnection, generic[0], generic[1], generic[2]));
+    QCoreApplication::processEvents();
+    QTEST(recorder.events, "events");
 }
 
 void tst_Controller::asksForTheUpdateFile()

@@ -27,6 +27,18 @@ const QString completed = QStringLiteral("<h1>Finding duplicated files was compl
 const QString stopped = QStringLiteral("<h1>Finding duplicated files was stopped!<h1>");
 const QString question = QStringLiteral("Do you want to stop the scanning?");
 
+class PaintCounter final : public QObject
+{
+public:
+    int paints = 0;
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
 /** Counts how often it is asked to stop, instead of a scan that there is not. */
 class StopCountingWindow final : public MainWindow
 {
@@ -54,6 +66,7 @@ private slots:
     void enumerationStarts();
     void folderBeingCounted();
     void longFolderIsElided();
+    void barIsPaintedAsItGrows();
     void folderIsShownAsPlainText();
     void comparisonStarts();
     void comparisonWithoutFiles();
@@ -302,19 +315,47 @@ void tst_WidgetAnalyzeWaiting::folderBeingCounted()
 
 void tst_WidgetAnalyzeWaiting::longFolderIsElided()
 {
-    // A long folder loses its middle: it gets three times a quarter of the width, in whole pixels.
+    // A long folder loses its middle: it gets three times a quarter of the page's width, in whole
+    // pixels, however wide the window around the page is.
+    QWidget around;
+    around.resize(1500, 700);
+    page->setParent(&around);
     page->resize(803, 600);
-    const QString longPath =
-        QStringLiteral("/begin/") + QString(500, QLatin1Char('x')) + QStringLiteral("/end");
+    const auto fitting = [this](const QString &path, int pixels) {
+        return label("infoLabel")->fontMetrics().elidedText(path, Qt::ElideMiddle, pixels);
+    };
+    // One that two pixels more would show more of.
+    QString longPath = QStringLiteral("/begin/") + QString(200, QLatin1Char('m'));
+    for (int i = 0; i < 200 && fitting(longPath, 600) == fitting(longPath, 602); ++i) {
+        longPath.append(QLatin1Char('i'));
+    }
+    QVERIFY(fitting(longPath, 600) != fitting(longPath, 602));
     model->emitModelEvent(CountingFilesInFolderEvent(1, longPath));
-    const QString elided =
-        label("infoLabel")->fontMetrics().elidedText(longPath, Qt::ElideMiddle, 600);
-    QVERIFY(elided.size() < longPath.size());
-    QVERIFY(elided.startsWith(QLatin1String("/begin/")) && elided.endsWith(QLatin1String("/end")));
+    const QString elided = fitting(longPath, 600);
+    QVERIFY(elided.startsWith(QLatin1String("/begin/")) && elided.size() < longPath.size());
     QCOMPARE(info(),
              QStringLiteral("<b>1</b> files in selected folders.<br>"
                             "Current folder for analysis: ")
                  + elided);
+    page->setParent(nullptr);
+}
+
+void tst_WidgetAnalyzeWaiting::barIsPaintedAsItGrows()
+{
+    // Each value that changes the bar reaches the screen, without anything else that repaints it.
+    model->emitModelEvent(CountingFilesInFolderEvent(10, QStringLiteral("/a")));
+    model->emitModelEvent(FindDuplicatedFilesStartedEvent());
+    page->resize(803, 600);
+    page->show();
+    QVERIFY(QTest::qWaitForWindowExposed(page.get()));
+    for (int value = 1; value <= 10; ++value) {
+        QCoreApplication::processEvents();
+        PaintCounter counter;
+        bar()->installEventFilter(&counter);
+        compare(value, 0, 0);
+        QVERIFY(bar()->updatesEnabled());
+        QTRY_VERIFY(counter.paints > 0);
+    }
 }
 
 void tst_WidgetAnalyzeWaiting::folderIsShownAsPlainText()
@@ -490,7 +531,7 @@ void tst_WidgetAnalyzeWaiting::defaults()
     QCOMPARE(title(), completed);
     QCOMPARE(info(), before);
     QCOMPARE(barState(), QStringLiteral("0 1 1"));
-    QVERIFY(!isShown(stop));
+    QVERIFY(!isShown(stop) && isShown(configurations) && isShown(results));
     compare(0, 0, 0);
     QVERIFY(info().contains(QLatin1String("<b>0</b> files in selected folders")));
 }
