@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QStackedWidget>
 #include <QTextDocument>
 
@@ -320,6 +321,7 @@ void tst_WidgetAnalyzeWaiting::longFolderIsElided()
     QWidget around;
     around.resize(1500, 700);
     page->setParent(&around);
+    const auto takeBack = qScopeGuard([this] { page->setParent(nullptr); });
     page->resize(803, 600);
     const auto fitting = [this](const QString &path, int pixels) {
         return label("infoLabel")->fontMetrics().elidedText(path, Qt::ElideMiddle, pixels);
@@ -337,7 +339,6 @@ void tst_WidgetAnalyzeWaiting::longFolderIsElided()
              QStringLiteral("<b>1</b> files in selected folders.<br>"
                             "Current folder for analysis: ")
                  + elided);
-    page->setParent(nullptr);
 }
 
 void tst_WidgetAnalyzeWaiting::barIsPaintedAsItGrows()
