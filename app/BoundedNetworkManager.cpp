@@ -11,7 +11,7 @@
 
 namespace
 {
-constexpr qint64 maxSocketBytes = 16 * 1024;
+constexpr qint64 maxSocketBytes = qint64(16) * 1024;
 constexpr int httpPort = 80;
 constexpr int httpsPort = 443;
 

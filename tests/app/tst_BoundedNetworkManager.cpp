@@ -162,8 +162,12 @@ qint64 peakKilobytes()
 
 bool startPeak()
 {
+#ifdef __SANITIZE_ADDRESS__
+    return false; // it keeps what has been freed
+#else
     QFile file(QStringLiteral("/proc/self/clear_refs"));
     return file.open(QIODevice::WriteOnly) && file.write("5") == 1;
+#endif
 }
 #endif
 } // namespace
@@ -314,8 +318,11 @@ void tst_BoundedNetworkManager::endlessAnswers()
     // The rest is in the buffers of the system.
     QVERIFY2(server.sentBytes < 16 * 1024 * 1024, qPrintable(QString::number(server.sentBytes)));
 #ifdef Q_OS_LINUX
+    if (!isMeasured) {
+        QSKIP("How much memory was held cannot be measured here; the rest was checked");
+    }
     const qint64 growth = peakKilobytes() - before;
-    QVERIFY2(!isMeasured || growth < 2048, qPrintable(QString::number(growth)));
+    QVERIFY2(growth < 2048, qPrintable(QString::number(growth)));
 #endif
 }
 
