@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/Controller.h"
 
+#include "app/BoundedNetworkManager.h"
 #include "app/Model.h"
 #include "app/ModelEvent.h"
 #include "app/Product.h"
 #include "app/UpdateAnswer.h"
 
-#include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QTimer>
@@ -22,7 +22,7 @@ constexpr int maxAnswerMilliseconds = 30000;
 Controller::Controller(Model *eventModel, QObject *parent)
     : QObject(parent)
     , model(eventModel)
-    , networkManager(new QNetworkAccessManager(this))
+    , networkManager(new BoundedNetworkManager(this))
     , updateFileUrl(QString::fromLatin1(Product::updateFile))
 {
     connect(networkManager,

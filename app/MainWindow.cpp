@@ -48,14 +48,14 @@ int versionNumber(QString version)
     return version.remove(QLatin1Char('.')).toInt();
 }
 
-void open(const char *address)
+void openInDesktop(const char *address)
 {
     QDesktopServices::openUrl(QUrl(QString::fromLatin1(address)));
 }
 
 // A controller outlives its window, since a request or a queued signal may still be on its way to
-// it. Kept here so that it stays reachable.
-void keep(Controller *controller)
+// it. Listed here so that it stays reachable.
+void keepForProcess(Controller *controller)
 {
     static auto *const controllers = new QList<Controller *>; // for as long as the process lives
     controllers->append(controller);
@@ -89,7 +89,7 @@ MainWindow::MainWindow(QWidget *parent)
     connect(model,
             SIGNAL(modelEvent(const ModelEvent*)), this, SLOT(onModelEvent(const ModelEvent*)));
     controller = new Controller(model, nullptr);
-    keep(controller);
+    keepForProcess(controller);
 
     stackedWidget = new QStackedWidget(this);
     auto *const layout = new QVBoxLayout;
@@ -287,10 +287,10 @@ void MainWindow::onMenuClicked(QAction *action)
     } else if (text == QLatin1String("Exit")) {
         QCoreApplication::exit(0);
     } else if (text == QLatin1String("Homepage")) {
-        open(Product::homepage);
+        openInDesktop(Product::homepage);
     } else if (text == QLatin1String("Feedback")) {
         if (!QDesktopServices::openUrl(QUrl(QString::fromLatin1(Product::supportMail)))) {
-            open(Product::contactPage);
+            openInDesktop(Product::contactPage);
         }
     } else if (text == QLatin1String("Check Updates")) {
         // No action of the menu has this text; whoever adds one gets the check of the start.

@@ -26,7 +26,7 @@ class WidgetAnalyzeWaiting;
  * Lives on the GUI thread. The pages stand at fixed indexes: 0 the configuration of a scan,
  * 1 its progress, 2 its results.
  */
-class MainWindow final : public QMainWindow
+class MainWindow : public QMainWindow
 {
     Q_OBJECT
     Q_DISABLE_COPY(MainWindow)
@@ -40,8 +40,11 @@ public:
     void onScanStart();
     /** From onScanStart() until the groups have arrived; nobody may write Configuration then. */
     bool isScanRunning() const { return scanRunning; }
-    /** Asks the engine to stop, 10 ms later; the scan still reports what it has found. */
-    void stopScan();
+    /**
+     * Asks the engine to stop, 10 ms later; the scan still reports what it has found. Virtual for
+     * whoever stands in for the window, which has no sign of its own that it was asked.
+     */
+    virtual void stopScan();
     void setCurrentWidget(int index);
     /** Shows an about box that deletes itself when it is closed. */
     void showAboutDialog();

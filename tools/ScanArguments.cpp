@@ -147,13 +147,16 @@ bool readFolders(const QStringList &names, ScanArguments *arguments)
 {
     QStringList folders;
     for (const QString &name : names) {
-        const QFileInfo info(name);
+        // Absolute before it is looked at: the toolkit takes ":/" for what is compiled into it.
+        const bool isRelative = !name.isEmpty() && !name.startsWith(QLatin1Char('/'));
+        const QString path = isRelative ? QDir::currentPath() + QLatin1Char('/') + name : name;
+        const QFileInfo info(path);
         if (!info.isDir()) {
             arguments->error = info.exists() ? QStringLiteral("\"%1\" is not a folder").arg(name)
                                              : QStringLiteral("\"%1\" does not exist").arg(name);
             return false;
         }
-        folders.append(QDir::cleanPath(QDir::current().absoluteFilePath(name)));
+        folders.append(QDir::cleanPath(path));
     }
     folders.removeDuplicates();
     for (const QString &folder : qAsConst(folders)) {

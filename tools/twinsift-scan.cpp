@@ -12,11 +12,24 @@
 #include <clocale>
 #include <cstring>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace
 {
 enum Status { Done = 0, CannotWrite = 1, BadArguments = 2 };
+
+// A channel that is closed would be taken by the first file that is opened, and the list or a message
+// be written into that. What stands in for it cannot be written or read, as if it were closed still.
+void occupyClosedChannels()
+{
+    const int unusable[] = {O_WRONLY, O_RDONLY, O_RDONLY}; // input, output, errors
+    for (int channel = STDIN_FILENO; channel <= STDERR_FILENO; ++channel) {
+        if (::fcntl(channel, F_GETFD) < 0) {
+            ::open("/dev/null", unusable[channel]); // the lowest free number, which is this one
+        }
+    }
+}
 
 // The plain locale knows ASCII alone, and the toolkit would mangle all other names.
 void useUtf8InPlainLocale()
@@ -80,6 +93,7 @@ int scan(const ScanArguments &arguments)
 
 int main(int argc, char **argv)
 {
+    occupyClosedChannels();
     const QCoreApplication application(argc, argv);
     useUtf8InPlainLocale();
     const ScanArguments arguments = ScanArguments::parse(QCoreApplication::arguments());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/Controller.h"
 #include "app/Model.h"
+#include "engine/FileFinderEngine.h"
 #include "tests/app/EventRecorder.h"
 #include "tests/support/HttpServer.h"
 #include "tests/support/TestCase.h"
@@ -10,6 +11,9 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
 
 class tst_Controller final : public TestCase
 {
@@ -18,6 +22,8 @@ class tst_Controller final : public TestCase
 private slots:
     void slotsInDeclaredOrder();
     void relaysTheEngine();
+    void signalsOfTheEngine_data();
+    void signalsOfTheEngine();
     void asksForTheUpdateFile();
     void updateAnswers_data();
     void updateAnswers();
@@ -92,6 +98,53 @@ void tst_Controller::relaysTheEngine()
                           QStringLiteral("1 1 2 1099511627776"),
                           QStringLiteral("6 /a/1=/a/2"),
                           QStringLiteral("6 ")}));
+}
+
+void tst_Controller::signalsOfTheEngine_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QVariantList>("arguments");
+    QTest::addColumn<QStringList>("events");
+    using Name = QByteArray;
+    const QList<QStringList> groups = {{QStringLiteral("/a/1"), QStringLiteral("/a/2")},
+                                       {QStringLiteral("/b"), QStringLiteral("/c")}};
+    QTest::newRow("2") << Name("findAllFilesStarted()") << QVariantList()
+                       << QStringList(QStringLiteral("2"));
+    QTest::newRow("0") << Name("countingFilesInFolder(int,QString)")
+                       << QVariantList{7, QStringLiteral("/a")}
+                       << QStringList(QStringLiteral("0 7 /a"));
+    QTest::newRow("3") << Name("findAllFilesFinished()") << QVariantList()
+                       << QStringList(QStringLiteral("3"));
+    QTest::newRow("4") << Name("findDuplicatedFilesStarted()") << QVariantList()
+                       << QStringList(QStringLiteral("4"));
+    QTest::newRow("1") << Name("countingFindFilesDuplicated(int,int,qlonglong)")
+                       << QVariantList{1, 2, qint64(3)} << QStringList(QStringLiteral("1 1 2 3"));
+    QTest::newRow("6") << Name("findDuplicatedFilesFinished(QList<QStringList>)")
+                       << QVariantList{QVariant::fromValue(groups)}
+                       << QStringList(QStringLiteral("6 /a/1=/a/2;/b=/c"));
+    QTest::newRow("none") << Name("addedDuplicatedPath(QString)")
+                          << QVariantList{QStringLiteral("/a")} << QStringList();
+}
+
+void tst_Controller::signalsOfTheEngine()
+{
+    // Each signal of the engine becomes one event, of its own type and with its arguments in order.
+    QFETCH(const QByteArray, name);
+    QFETCH(const QVariantList, arguments);
+    Model model(nullptr);
+    const EventRecorder recorder(&model);
+    Controller controller(&model, nullptr);
+    FileFinderEngine engine(&model, &controller, nullptr);
+    const QMetaMethod signal =
+        engine.metaObject()->method(engine.metaObject()->indexOfSignal(name.constData()));
+    QVERIFY(signal.isValid());
+    QGenericArgument generic[3];
+    for (int i = 0; i < arguments.size(); ++i) {
+        generic[i] = QGenericArgument(arguments.at(i).typeName(), arguments.at(i).constData());
+    }
+    QVERIFY(signal.invoke(&engine, Qt::DirectConnection, generic[0], generic[1], generic[2]));
+    QCoreApplication::processEvents();
+    QTEST(recorder.events, "events");
 }
 
 void tst_Controller::asksForTheUpdateFile()
@@ -185,14 +238,34 @@ void tst_Controller::unreachableServerIsSilent()
 
 void tst_Controller::silentServerIsGivenUp()
 {
-    // A server that takes the request and never answers is waited for no longer than 30 seconds.
+    // A server that takes the request and never answers, or has a header without an end that comes
+    // byte by byte, is waited for no longer than 30 seconds.
     HttpServer server;
     server.setSilent();
+    QTcpServer slowServer;
+    QVERIFY(slowServer.listen(QHostAddress::LocalHost));
+    bool isGivenUp = false;
+    connect(&slowServer, &QTcpServer::newConnection, this, [&] {
+        QTcpSocket *const socket = slowServer.nextPendingConnection();
+        socket->write("HTTP/1.1 200 OK\r\nA: ");
+        auto *const timer = new QTimer(socket);
+        connect(timer, &QTimer::timeout, socket, [socket] { socket->write("b"); });
+        connect(socket, &QTcpSocket::disconnected, this, [&] { isGivenUp = true; });
+        timer->start(50);
+    });
+    Model slowModel(nullptr);
+    const EventRecorder recorder(&slowModel);
+    Controller slowController(&slowModel, nullptr);
+    slowController.setUpdateFileUrl(
+        QUrl(QStringLiteral("http://127.0.0.1:%1/").arg(slowServer.serverPort())));
+    slowController.checkUpdate();
     QElapsedTimer timer;
     timer.start();
     QCOMPARE(check(server), QStringList());
     QVERIFY2(timer.elapsed() > 25000, qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(server.requests().size(), 1);
+    QTRY_VERIFY(isGivenUp);
+    QCOMPARE(recorder.events, QStringList());
 }
 
 void tst_Controller::severalChecksAtOnce()

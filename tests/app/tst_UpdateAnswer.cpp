@@ -2,6 +2,8 @@
 #include "app/UpdateAnswer.h"
 #include "tests/support/TestCase.h"
 
+#include <QTextCodec>
+
 class tst_UpdateAnswer final : public TestCase
 {
     Q_OBJECT
@@ -9,6 +11,7 @@ class tst_UpdateAnswer final : public TestCase
 private slots:
     void goodAnswers_data();
     void goodAnswers();
+    void addressGoesThroughTheLocalEncoding();
     void malformedAnswers_data();
     void malformedAnswers();
 };
@@ -36,6 +39,10 @@ void tst_UpdateAnswer::goodAnswers_data()
     row("no address", {"version=1.2 Build 3\n", "url="}, "1", ".", "");
     row("encoded", {"version=1.2 Build 3\n", "url=http%3A%2F%2Fa%0Ab\n"}, "1", ".", "http://ab");
     row("carriage return stays", {"version=1.2 Build 3\r\n", "url=u\r\n"}, "1", ".", "u\r");
+    QTest::newRow("no ASCII") << QList<QByteArray>(
+        {"version=\xc3\xa4\xe2\x82\xac Build 3\n", "url=\xc3\xb6/%C3%BC\n"})
+                              << QStringLiteral("\u00e4") << QStringLiteral("\u20ac")
+                              << QStringLiteral("\u00f6/\u00fc");
     row("ends at a zero byte",
         {QByteArray("version=1.2 Build 3\0=", 21), QByteArray("url=u\0v", 7)},
         "1",
@@ -52,6 +59,22 @@ void tst_UpdateAnswer::goodAnswers()
     QTEST(answer->version, "version");
     QTEST(answer->build, "build");
     QTEST(answer->url, "url");
+}
+
+void tst_UpdateAnswer::addressGoesThroughTheLocalEncoding()
+{
+    // The answer is UTF-8. Its address is made local before it is decoded, again as UTF-8: where the
+    // two differ a letter is lost, while one that comes in percents is not.
+    struct Restorer {
+        QTextCodec *codec;
+        ~Restorer() { QTextCodec::setCodecForLocale(codec); }
+    } const restorer{QTextCodec::codecForLocale()};
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    const auto answer =
+        UpdateAnswer::fromLines({"version=\xc3\xa4. Build 3\n", "url=\xc3\xb6/%C3%BC\n"});
+    QVERIFY(answer.has_value());
+    QCOMPARE(answer->version, QStringLiteral("\u00e4"));
+    QCOMPARE(answer->url, QStringLiteral("\ufffd/\u00fc"));
 }
 
 void tst_UpdateAnswer::malformedAnswers_data()

@@ -18,6 +18,14 @@ QString differs(const char *what, const QString &seen, const QString &wanted)
 {
     return QStringLiteral("%1 is \"%2\", not \"%3\"").arg(QLatin1String(what), seen, wanted);
 }
+
+QMessageBox::Icon kindOf(const QString &title, QMessageBox::StandardButtons buttons)
+{
+    if (buttons.testFlag(QMessageBox::Yes)) {
+        return QMessageBox::Question;
+    }
+    return title == QStringLiteral("Warning") ? QMessageBox::Warning : QMessageBox::Information;
+}
 } // namespace
 
 ModalDriver::ModalDriver(QObject *parent)
@@ -48,9 +56,15 @@ void ModalDriver::expectMessageBox(const QString &title,
                            QString::number(box->standardButtons()),
                            QString::number(buttons));
         }
+        if (box->icon() != kindOf(title, buttons)) {
+            return differs("the kind",
+                           QString::number(box->icon()),
+                           QString::number(kindOf(title, buttons)));
+        }
         return {};
     };
-    const auto act = [=](QWidget *widget) {
+    const auto act = [this, answer](QWidget *widget) {
+        boxParents.append(widget->parentWidget());
         QTest::mouseClick(qobject_cast<QMessageBox *>(widget)->button(answer), Qt::LeftButton);
     };
     expect(title, check, act);

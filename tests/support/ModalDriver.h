@@ -26,6 +26,9 @@ class ModalDriver final : public QObject
 public:
     explicit ModalDriver(QObject *parent = nullptr);
 
+    /**
+     * Its kind goes with it: a question has a Yes, a warning its title, all others inform.
+     */
     void expectMessageBox(const QString &title,
                           const QString &text,
                           QMessageBox::StandardButtons buttons,
@@ -40,6 +43,8 @@ public:
     /** What went wrong so far, and the announced boxes that have not come. */
     QStringList failures() const;
     bool isDone() const { return steps.isEmpty(); }
+    /** Those of the message boxes that have come as announced, in their order; null for none. */
+    QList<QWidget *> parents() const { return boxParents; }
 
 private:
     struct Step {
@@ -53,5 +58,6 @@ private:
     QTimer timer;
     QList<Step> steps;
     QStringList problems;
+    QList<QWidget *> boxParents;
     bool acting = false;
 };

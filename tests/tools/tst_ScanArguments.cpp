@@ -22,6 +22,8 @@ private slots:
     void foldersInsideEachOther();
     void refused_data();
     void refused();
+    void namesOfTheToolkitsResources_data();
+    void namesOfTheToolkitsResources();
     void helpAndVersion();
 
 private:
@@ -192,6 +194,9 @@ void tst_ScanArguments::refused_data()
         "--advanced takes md5, sha1 or crc, not \"crc32\"");
     row("missing folder", ". none", "\"none\" does not exist");
     row("file", ". file", "\"file\" is not a folder");
+    row("the toolkit's resources", ":/", "\":/\" does not exist");
+    row("one of the resources", ":/content", "\":/content\" does not exist");
+    row("address of a resource", "qrc:/content", "\"qrc:/content\" does not exist");
 }
 
 void tst_ScanArguments::refused()
@@ -204,6 +209,26 @@ void tst_ScanArguments::refused()
     const ScanArguments result = parse(arguments);
     QCOMPARE(result.action, ScanArguments::Action::Refuse);
     QCOMPARE(result.error, error);
+    QCOMPARE(parse({QString()}).error, QStringLiteral("\"\" does not exist"));
+}
+
+void tst_ScanArguments::namesOfTheToolkitsResources_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *const name : {":", ":/", ":/content", "qrc:", "qrc:/content"}) {
+        QTest::newRow(name) << QString::fromLatin1(name);
+    }
+}
+
+void tst_ScanArguments::namesOfTheToolkitsResources()
+{
+    // A folder of the disk is taken, though its name looks like one of the toolkit's resources.
+    QFETCH(const QString, name);
+    tree->folder(name);
+    QVERIFY(QDir::setCurrent(tree->root()));
+    const ScanArguments result = parse({name});
+    QCOMPARE(result.action, ScanArguments::Action::Scan);
+    QCOMPARE(result.folders, QStringList(QDir::cleanPath(tree->root() + QLatin1Char('/') + name)));
 }
 
 void tst_ScanArguments::helpAndVersion()

@@ -34,6 +34,8 @@ private slots:
     void help();
     void version();
     void fullDevice();
+    void closedChannels_data();
+    void closedChannels();
     void unreadableFile();
     void slowReader();
 
@@ -340,6 +342,48 @@ void tst_TwinsiftScan::fullDevice()
     const Result result = run({tree->root()}, {}, QStringLiteral("/dev/full"));
     QCOMPARE(result.status, 1);
     QCOMPARE(result.error, QByteArray("twinsift-scan: cannot write: No space left on device\n"));
+}
+
+void tst_TwinsiftScan::closedChannels_data()
+{
+    QTest::addColumn<QString>("redirection");
+    QTest::addColumn<bool>("hasDuplicates");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("error");
+    const QByteArray error = "twinsift-scan: cannot write: Bad file descriptor\n";
+    QTest::newRow("no output") << QStringLiteral(">&-") << true << 1 << error;
+    QTest::newRow("nothing to put out") << QStringLiteral(">&-") << false << 0 << QByteArray();
+    QTest::newRow("no input, no output") << QStringLiteral("<&- >&-") << true << 1 << error;
+    QTest::newRow("no errors") << QStringLiteral("2>&-") << true << 0 << QByteArray();
+    QTest::newRow("neither output nor errors")
+        << QStringLiteral(">&- 2>&-") << true << 1 << QByteArray();
+    QTest::newRow("nothing open") << QStringLiteral("<&- >&- 2>&-") << true << 1 << QByteArray();
+}
+
+void tst_TwinsiftScan::closedChannels()
+{
+    // A list that nobody takes goes nowhere, least of all into a file, and gives status 1.
+    QFETCH(const QString, redirection);
+    QFETCH(const bool, hasDuplicates);
+    QFETCH(const QByteArray, error);
+    const QByteArray a = file("a", "same!");
+    const QByteArray b = file("b", hasDuplicates ? "same!" : "other size");
+    QProcess shell;
+    shell.setWorkingDirectory(tree->root());
+    shell.start(QStringLiteral("/bin/sh"),
+                {QStringLiteral("-c"),
+                 QStringLiteral("exec \"$0\" --events . %1").arg(redirection),
+                 QStringLiteral(TWINSIFT_SCAN)});
+    QVERIFY(shell.waitForFinished(longWaitMilliseconds));
+    QTEST(shell.exitCode(), "status");
+    const bool hasOutput = !redirection.contains(QStringLiteral(" >&-"))
+        && !redirection.startsWith(QStringLiteral(">&-"));
+    QCOMPARE(shell.readAllStandardOutput(), hasOutput ? a + '\n' + b + "\n\n" : QByteArray());
+    // The events come before.
+    const QByteArray errors = shell.readAllStandardError();
+    QVERIFY2(errors.endsWith(error), errors.constData());
+    QCOMPARE(errors.isEmpty(), redirection.contains(QStringLiteral("2>&-")));
+    QCOMPARE(errors.contains("cannot write"), !error.isEmpty());
 }
 
 void tst_TwinsiftScan::unreadableFile()

@@ -28,15 +28,8 @@ FileSystemTreeModel::FileSystemTreeModel(QObject *parent)
 
 QStringList FileSystemTreeModel::selectedFolders(const QModelIndex &index) const
 {
-    const QString path = filePath(index);
-    const Qt::CheckState state = stateOf(index);
-    if (state == Qt::Checked && !isExcludedRoot(path)) {
-        return QStringList(path);
-    }
     QStringList folders;
-    if (!index.isValid() || state != Qt::Unchecked) {
-        appendSelected(index, path, &folders);
-    }
+    appendSelected(index, filePath(index), &folders);
     return folders;
 }
 
@@ -213,20 +206,23 @@ void FileSystemTreeModel::appendSelected(const QModelIndex &index,
                                          const QString &path,
                                          QStringList *folders) const
 {
+    const Qt::CheckState state = stateOf(index);
+    if (state == Qt::Checked && !isExcludedRoot(path)) {
+        folders->append(path);
+        return;
+    }
+    // What the whole tree hangs on has no box.
+    if (state == Qt::Unchecked && index.isValid()) {
+        return;
+    }
     const QString prefix = path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
     const int count = rowCount(index);
     for (int row = 0; row < count; ++row) {
         const QModelIndex child = this->index(row, 0, index);
-        const Qt::CheckState state = stateOf(child);
-        if (state == Qt::Unchecked) {
-            continue;
-        }
-        const QString childPath = index.isValid()
-            ? prefix + QFileSystemModel::data(child, FileNameRole).toString()
-            : filePath(child);
-        if (state == Qt::Checked && !isExcludedRoot(childPath)) {
-            folders->append(childPath);
-        } else {
+        if (stateOf(child) != Qt::Unchecked) {
+            const QString childPath = index.isValid()
+                ? prefix + QFileSystemModel::data(child, FileNameRole).toString()
+                : filePath(child);
             appendSelected(child, childPath, folders);
         }
     }

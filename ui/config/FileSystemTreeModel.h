@@ -64,6 +64,7 @@ private:
     void onRowsAboutToBeRemoved(const QModelIndex &parent, int first, int last);
 
     QHash<FolderId, Qt::CheckState> checkStates;
+    // The ids of the indexes that expandedIndex() was told of, and unexpandedindex() not since.
     QSet<FolderId> expandedIndexes;
     // Checked only because all their loaded children are, not by a tick of their own.
     QSet<FolderId> checkedByChildren;

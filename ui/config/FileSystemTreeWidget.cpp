@@ -113,7 +113,8 @@ void FileSystemTreeWidget::getRootFolder()
         tr("Choose Directory"),
         QDir::homePath(),
         QFileDialog::ShowDirsOnly | QFileDialog::DontResolveSymlinks);
-    if (folder.isEmpty()) {
+    // The toolkit's dialog also offers what is compiled into the program, as ":/".
+    if (folder.isEmpty() || folder.startsWith(QLatin1Char(':'))) {
         return;
     }
     auto *const model = new FileSystemTreeModel(this);

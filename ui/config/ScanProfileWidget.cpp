@@ -16,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include <limits>
+#include <tuple>
 
 namespace
 {
@@ -32,6 +33,14 @@ QGridLayout *createModeGrid(QRadioButton *mode, const QList<QCheckBox *> &boxes)
     return grid;
 }
 
+QHBoxLayout *createRow(QLineEdit *lineEdit, QPushButton *button)
+{
+    auto *const row = new QHBoxLayout;
+    row->addWidget(lineEdit);
+    row->addWidget(button);
+    return row;
+}
+
 void showTypes(QLineEdit *lineEdit, const QStringList &types)
 {
     lineEdit->setText(MaskEntry::toLine(types));
@@ -45,9 +54,8 @@ ScanProfileWidget::ScanProfileWidget(const ScanProfile &profile, QWidget *parent
 {
     QGridLayout *const byteByByteGrid = createByteByByteGrid();
     QGridLayout *const advancedGrid = createAdvancedGrid();
-    QBoxLayout *const includeRow =
-        createTypesRow(&includeLineEdit, &includeButton, QStringLiteral("Any File|*.*"));
-    QBoxLayout *const excludeRow = createTypesRow(&excludeLineEdit, &excludeButton, QString());
+    std::tie(includeLineEdit, includeButton) = createTypesInput(QStringLiteral("Any File|*.*"));
+    std::tie(excludeLineEdit, excludeButton) = createTypesInput(QString());
     minSizeInput = new SpinBoxFileSize(QStringLiteral("Minimum size:"), this);
     maxSizeInput = new SpinBoxFileSize(QStringLiteral("Maximum size:"), this);
     auto *const layout = new QVBoxLayout(this);
@@ -55,9 +63,9 @@ ScanProfileWidget::ScanProfileWidget(const ScanProfile &profile, QWidget *parent
     layout->addLayout(byteByByteGrid);
     layout->addLayout(advancedGrid);
     layout->addWidget(createLabel(QStringLiteral("File Types Include:"), includeLineEdit));
-    layout->addLayout(includeRow);
+    layout->addLayout(createRow(includeLineEdit, includeButton));
     layout->addWidget(createLabel(QStringLiteral("File Types Exclude:"), excludeLineEdit));
-    layout->addLayout(excludeRow);
+    layout->addLayout(createRow(excludeLineEdit, excludeButton));
     layout->addWidget(minSizeInput);
     layout->addWidget(maxSizeInput);
     includeButton->setAccessibleName(QStringLiteral("Choose file types to include"));
@@ -191,20 +199,15 @@ QCheckBox *ScanProfileWidget::createHashCheckBox(const QString &text)
     return box;
 }
 
-QBoxLayout *ScanProfileWidget::createTypesRow(QLineEdit **lineEdit,
-                                              QPushButton **button,
-                                              const QString &text)
+std::pair<QLineEdit *, QPushButton *> ScanProfileWidget::createTypesInput(const QString &text)
 {
-    *lineEdit = new QLineEdit(text, this);
-    (*lineEdit)->setReadOnly(true);
+    auto *const lineEdit = new QLineEdit(text, this);
+    lineEdit->setReadOnly(true);
     // The field stores the choice: at the toolkit's 32767 characters it would drop chosen types.
-    (*lineEdit)->setMaxLength(std::numeric_limits<int>::max());
-    *button = new QPushButton(QStringLiteral("..."), this);
-    connect(*button, SIGNAL(clicked(bool)), this, SLOT(onButtonClicked()));
-    auto *const row = new QHBoxLayout;
-    row->addWidget(*lineEdit);
-    row->addWidget(*button);
-    return row;
+    lineEdit->setMaxLength(std::numeric_limits<int>::max());
+    auto *const button = new QPushButton(QStringLiteral("..."), this);
+    connect(button, SIGNAL(clicked(bool)), this, SLOT(onButtonClicked()));
+    return {lineEdit, button};
 }
 
 QLabel *ScanProfileWidget::createLabel(const QString &text, QWidget *buddy)

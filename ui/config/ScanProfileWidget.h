@@ -6,7 +6,8 @@
 #include <QStringList>
 #include <QWidget>
 
-class QBoxLayout;
+#include <utility>
+
 class QCheckBox;
 class QGridLayout;
 class QLabel;
@@ -48,7 +49,8 @@ private:
     QGridLayout *createAdvancedGrid();
     QRadioButton *createRadioButton(const QString &text);
     QCheckBox *createHashCheckBox(const QString &text);
-    QBoxLayout *createTypesRow(QLineEdit **lineEdit, QPushButton **button, const QString &text);
+    /** The field of chosen types, and the button that opens the window to choose them. */
+    std::pair<QLineEdit *, QPushButton *> createTypesInput(const QString &text);
     QLabel *createLabel(const QString &text, QWidget *buddy);
     void chooseTypes(const QString &chosen, const char *receiver);
 

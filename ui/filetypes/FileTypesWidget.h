@@ -14,7 +14,8 @@ class QPushButton;
  * changes and deletes groups. Entries are handled as whole lines, a line feed at the end included.
  *
  * It is made without a parent for one choice and deletes itself after "Close", which is also when
- * the list is saved; closed by its frame it is only hidden, and nothing is saved or chosen.
+ * the list is saved. Closed by its frame it saves and tells nothing; it is then hidden, or deleted if
+ * whoever made it has set Qt::WA_DeleteOnClose.
  */
 class FileTypesWidget final : public QWidget
 {
@@ -29,6 +30,7 @@ public:
     void setTypesFilename(const QString &path);
     /** Makes the rows anew, none of them ticked. */
     void updateList();
+    /** Into the working folder; a list that cannot be saved leaves a line in the debug log. */
     void saveList();
     /** The texts of the ticked rows, from top to bottom. */
     QStringList selectedTypes() const;
@@ -36,7 +38,7 @@ public:
     void setCurrentMaskList(const QStringList &list);
 
 signals:
-    /** "Close" was pressed and the list has been saved; the window is about to be deleted. */
+    /** "Close" was pressed, the list has been saved or cannot be; the window is about to go. */
     void selectedTypesSignal(QStringList listTypes);
 
 public slots:

@@ -5,7 +5,12 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <QStandardPaths>
+
+#include <algorithm>
+
+#include <unistd.h>
 
 namespace
 {
@@ -38,24 +43,71 @@ QString defaultContent()
         "*.MOV;*.AVI;*.WMV;*.DIVX\n"
         "Web Files|*.ASP;*.CSS;*.HTML;*.HTM;*.PHP;*.XHTML;*.JS\n");
 }
+QString dataFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+}
+
+// The content is on the disk before it takes the place of the file. Asked for in two steps, since
+// the toolkit's own end of a file says nothing of a buffer that could not be written.
+bool finish(QSaveFile *file, const QByteArray &content)
+{
+    return file->write(content) == content.size() && file->flush() && ::fsync(file->handle()) == 0
+        && file->commit();
+}
+
+// As every list that this program has made.
+bool isListOfTypes(const QByteArray &content)
+{
+    const QList<QByteArray> lines = content.split('\n');
+    return !content.contains('\0')
+        && std::all_of(lines.cbegin(), lines.cend(), [](const QByteArray &line) {
+               return line.trimmed().isEmpty() || line.contains('|');
+           });
+}
+
+bool isReadFromHere()
+{
+    return QFileInfo(fileName()).absolutePath() == QFileInfo(dataFolder()).canonicalFilePath();
+}
+
+enum class Place { Free, Replaceable, UpToDate, Forbidden };
+
+Place placeFor(const QByteArray &content)
+{
+    using MaskFile::maxFileBytes;
+    const QFileInfo place(fileName());
+    if (!place.isSymLink() && !place.exists()) {
+        return Place::Free;
+    }
+    QFile file(fileName());
+    if (place.isSymLink() || !place.isFile()
+        || !file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) {
+        return Place::Forbidden;
+    }
+    const QByteArray old = file.read(qMax(maxFileBytes, content.size()) + 1);
+    if (old == content) {
+        return Place::UpToDate;
+    }
+    return isReadFromHere() || isListOfTypes(old) ? Place::Replaceable : Place::Forbidden;
+}
 } // namespace
 
 QString MaskFile::readingPath()
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    const QString folder = dataFolder();
     QDir().mkpath(folder);
     return folder + QDir::separator() + fileName();
 }
 
 void MaskFile::createDefault(const QString &path)
 {
-    QFile file(path);
+    QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         qDebug() << file.errorString();
+    } else if (!finish(&file, defaultContent().toLocal8Bit())) {
+        qDebug() << qt_error_string();
     }
-    // Tried even so: the toolkit then names the file in a warning, which the error text does not.
-    file.write(defaultContent().toLocal8Bit());
-    file.close();
 }
 
 std::optional<QStringList> MaskFile::read(const QString &path)
@@ -85,17 +137,23 @@ QStringList MaskFile::entries(const QByteArray &content)
 
 bool MaskFile::save(const QStringList &entries)
 {
-    QFile file(fileName());
-    const QFileInfo place(fileName());
-    if ((place.exists() && !place.isFile()) || !file.open(QIODevice::WriteOnly)) {
-        return false;
-    }
-    for (QString line : entries) {
+    QStringList lines = entries;
+    for (QString &line : lines) {
         if (!line.endsWith(carriageReturnAndLineFeed())) {
             line.append(carriageReturnAndLineFeed());
         }
-        qDebug() << "write" << line;
-        file.write(line.toLocal8Bit());
     }
-    return true;
+    const QByteArray content = lines.join(QString()).toLocal8Bit();
+    const Place place = placeFor(content);
+    QSaveFile file(fileName());
+    if (place == Place::UpToDate) {
+        return true;
+    }
+    if (place == Place::Forbidden || !file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    for (const QString &line : qAsConst(lines)) {
+        qDebug() << "write" << line;
+    }
+    return finish(&file, content);
 }

@@ -24,7 +24,10 @@ constexpr int maxEntries = 20000;
 /** Where the file is read from. Makes the folder if it does not exist. */
 QString readingPath();
 
-/** Writes the nine default entries; what goes wrong is told to the debug log only. */
+/**
+ * Writes the nine default entries; what goes wrong is told to the debug log only, and then there is
+ * no file.
+ */
 void createDefault(const QString &path);
 
 /** The entries of the file, or none when it cannot be opened. */
@@ -36,6 +39,13 @@ std::optional<QStringList> read(const QString &path);
  */
 QStringList entries(const QByteArray &content);
 
-/** Replaces the file in the working folder; each entry gets a line break. False: not opened. */
+/**
+ * Saves the entries in the working folder, each with a line break. True when the file holds them
+ * all, on the disk; a file that holds them already is not written again. False otherwise, and then
+ * what was there before still is.
+ *
+ * Replaced is only what is known as a list of types: the file that entries are read from, and one
+ * in which every line that is not blank has a bar. A link is neither followed nor replaced.
+ */
 bool save(const QStringList &entries);
 } // namespace MaskFile

@@ -4,8 +4,11 @@
 #include "app/Model.h"
 #include "app/ModelEvent.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
+#include <QTextDocument>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -17,12 +20,46 @@ constexpr qint64 bytesPerMegabyte = 1048576;
 constexpr int phaseStep = 5;
 constexpr int lastPhaseThatGrows = 45;
 
+/**
+ * A number in one line. Where its column is narrower than the number, all digits are drawn smaller
+ * instead of some of them not at all.
+ */
+class NumberLabel final : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+    // A large number does not push the window's contents over its edge.
+    QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        if (sizeHint().width() <= width()) {
+            QLabel::paintEvent(event);
+            return;
+        }
+        QTextDocument document;
+        document.setDefaultFont(font());
+        document.setDocumentMargin(0);
+        document.setHtml(text());
+        const qreal scale = contentsRect().width() / document.size().width();
+        QAbstractTextDocumentLayout::PaintContext context;
+        context.palette.setColor(QPalette::Text, palette().color(foregroundRole()));
+        QPainter painter(this);
+        painter.translate(contentsRect().left(),
+                          contentsRect().bottom() + 1 - scale * document.size().height());
+        painter.scale(scale, scale);
+        document.documentLayout()->draw(&painter, context);
+    }
+};
+
 QLabel *createNumber(const QString &name, QWidget *parent)
 {
     QFont font;
     font.setPixelSize(numberPixels);
     font.setWeight(QFont::Bold);
-    auto *const number = new QLabel(QStringLiteral("<H1> 0 </H1>"), parent);
+    auto *const number = new NumberLabel(QStringLiteral("<H1> 0 </H1>"), parent);
     number->setObjectName(name);
     number->setFont(font);
     number->setStyleSheet(QStringLiteral("color: #3199e5"));

@@ -40,7 +40,8 @@ private slots:
     void slotsAreDeclaredInOrder();
     void nothingIsSelectedBeforeAFolderIsChosen();
     void folderDialogAsksForFoldersAtHome();
-    void cancelledDialogChangesNothing();
+    void dialogWithoutAFolderChangesNothing_data();
+    void dialogWithoutAFolderChangesNothing();
     void chosenFolderIsShownExpandedAndCurrent();
     void chosenFolderIsInViewWhenTheFoldersAboveAreLoaded();
     void wholeTreeIsShownWithoutHiddenFolders();
@@ -219,11 +220,19 @@ void tst_FileSystemTreeWidget::folderDialogAsksForFoldersAtHome()
     QCOMPARE(modals.failures().join(QLatin1Char('\n')), QString());
 }
 
-void tst_FileSystemTreeWidget::cancelledDialogChangesNothing()
+void tst_FileSystemTreeWidget::dialogWithoutAFolderChangesNothing_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("cancelled") << QString();
+    QTest::newRow("what is compiled into the program") << QStringLiteral(":/content");
+}
+
+void tst_FileSystemTreeWidget::dialogWithoutAFolderChangesNothing()
 {
     // The picking page stays and no model is made.
+    QFETCH(const QString, path);
     ModalDriver modals;
-    modals.expectFileDialog(QStringLiteral("Choose Directory"), QString());
+    modals.expectFileDialog(QStringLiteral("Choose Directory"), path);
     QTest::mouseClick(driver->button(), Qt::LeftButton);
     QCOMPARE(modals.failures().join(QLatin1Char('\n')), QString());
     QCOMPARE(widget->findChild<QStackedWidget *>()->currentIndex(), 1);

@@ -24,6 +24,34 @@
 #define TRY_VERIFY(condition) \
     QTRY_VERIFY_WITH_TIMEOUT(condition, FolderTreeDriver::loadMilliseconds)
 
+namespace
+{
+// All fields, so that one which is left out of a comparison cannot be forgotten here alone.
+QString textOf(const ScanProfile &profile)
+{
+    const QList<bool> switches = {profile.matchByteByByte,
+                                  profile.sameFileName,
+                                  profile.sameFileExtension,
+                                  profile.sameDateOfCreation,
+                                  profile.advancedMatch,
+                                  profile.crcHash,
+                                  profile.md5Hash,
+                                  profile.sha1Hash,
+                                  profile.minSizeEnabled,
+                                  profile.maxSizeEnabled};
+    QString text;
+    for (const bool isOn : switches) {
+        text += isOn ? QLatin1Char('1') : QLatin1Char('0');
+    }
+    return QStringLiteral("%1 %2 %3 %4 %5")
+        .arg(text)
+        .arg(profile.minSizeInKbytes)
+        .arg(profile.maxSizeInKbytes)
+        .arg(profile.includeMasks.join(QLatin1Char(';')),
+             profile.excludeMasks.join(QLatin1Char(';')));
+}
+} // namespace
+
 class tst_ScanConfigurationWidget final : public TestCase
 {
     Q_OBJECT
@@ -208,7 +236,8 @@ void tst_ScanConfigurationWidget::buttonIsMeasuredByTheWindowAtConstruction()
 
 void tst_ScanConfigurationWidget::withoutAFolderThereIsOneWarning()
 {
-    // The folder comes first, also where the masks are missing too; no page changes.
+    // The folder comes first, also where the masks are missing too; no page changes. Both warnings
+    // stand before the page.
     const int shown = window->findChild<QStackedWidget *>()->currentIndex();
     clearMasks();
     for (const bool hasTree : {false, true}) {
@@ -219,6 +248,7 @@ void tst_ScanConfigurationWidget::withoutAFolderThereIsOneWarning()
         expectWarning(&modals, "You didn't select any folder");
         pressStart();
         QCOMPARE(modals.failures().join(QLatin1Char('\n')), QString());
+        QCOMPARE(modals.parents(), QList<QWidget *>({page}));
     }
     QCOMPARE(configuration->folders, QStringList(QStringLiteral("/previous")));
     QCOMPARE(configuration->scanProfile.minSizeInKbytes, qint64(77));
@@ -227,7 +257,7 @@ void tst_ScanConfigurationWidget::withoutAFolderThereIsOneWarning()
 
 void tst_ScanConfigurationWidget::withoutAMaskThereIsAnotherWarning()
 {
-    // With a folder and no type to include.
+    // With a folder and no type to include; it stands before the page, too.
     openTree();
     driver->clickBox(tree->path(QStringLiteral("b")));
     clearMasks();
@@ -235,6 +265,7 @@ void tst_ScanConfigurationWidget::withoutAMaskThereIsAnotherWarning()
     expectWarning(&modals, "You didn't select any file's mask");
     pressStart();
     QCOMPARE(modals.failures().join(QLatin1Char('\n')), QString());
+    QCOMPARE(modals.parents(), QList<QWidget *>({page}));
     QCOMPARE(window->findChild<QStackedWidget *>()->currentIndex(), 0);
 }
 
@@ -263,12 +294,10 @@ void tst_ScanConfigurationWidget::startStoresFoldersAndProfileAndChangesThePage(
     pressStart();
     QCOMPARE(window->findChild<QStackedWidget *>()->currentIndex(), 1);
     QCOMPARE(configuration->folders, QStringList(tree->path(QStringLiteral("b"))));
-    const ScanProfile profile = configuration->scanProfile;
-    QCOMPARE(profile.includeMasks, QStringList(QStringLiteral("*.*")));
-    QCOMPARE(profile.excludeMasks, QStringList());
-    QVERIFY(profile.matchByteByByte && !profile.advancedMatch);
-    QVERIFY(!profile.minSizeEnabled && !profile.maxSizeEnabled);
-    QCOMPARE(profile.minSizeInKbytes, qint64(0));
+    ScanProfile wanted;
+    wanted.matchByteByByte = true;
+    wanted.includeMasks = QStringList(QStringLiteral("*.*"));
+    QCOMPARE(textOf(configuration->scanProfile), textOf(wanted));
 }
 
 void tst_ScanConfigurationWidget::tickedDescendantsAreNotStored()
@@ -294,12 +323,27 @@ void tst_ScanConfigurationWidget::secondStartReplacesTheFirst()
     TRY_VERIFY(!window->isScanRunning());
     driver->clickBox(tree->path(QStringLiteral("b")));
     driver->clickBox(tree->path(QStringLiteral("c")));
-    configuration->scanProfile.includeMasks = QStringList(QStringLiteral("*.old"));
-    configuration->scanProfile.crcHash = true;
+    const QString first = textOf(configuration->scanProfile);
+    ScanProfile &profile = configuration->scanProfile;
+    for (bool *const isOn : {&profile.matchByteByByte,
+                             &profile.sameFileName,
+                             &profile.sameFileExtension,
+                             &profile.sameDateOfCreation,
+                             &profile.advancedMatch,
+                             &profile.crcHash,
+                             &profile.md5Hash,
+                             &profile.sha1Hash,
+                             &profile.minSizeEnabled,
+                             &profile.maxSizeEnabled}) {
+        *isOn = !*isOn;
+    }
+    profile.minSizeInKbytes = 78;
+    profile.maxSizeInKbytes = 79;
+    profile.includeMasks = QStringList(QStringLiteral("*.old"));
+    profile.excludeMasks = profile.includeMasks;
     pressStart();
     QCOMPARE(configuration->folders, QStringList(tree->path(QStringLiteral("c"))));
-    QCOMPARE(configuration->scanProfile.includeMasks, QStringList(QStringLiteral("*.*")));
-    QVERIFY(!configuration->scanProfile.crcHash);
+    QCOMPARE(textOf(configuration->scanProfile), first);
 }
 
 void tst_ScanConfigurationWidget::startByKey()

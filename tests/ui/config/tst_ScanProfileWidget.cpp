@@ -584,6 +584,11 @@ void tst_ScanProfileWidget::sizeLimits()
     QCOMPARE(minimum->value(), 1.5);
     QCOMPARE(profile.minSizeInKbytes, 0);
     QCOMPARE(profile.maxSizeInKbytes, 7);
+    click("Maximum size:");
+    profile = panel->currentScanProfile();
+    QVERIFY(!profile.minSizeEnabled && !profile.maxSizeEnabled);
+    QCOMPARE(maximum->value(), 7.0);
+    QCOMPARE(profile.maxSizeInKbytes, 0);
 }
 
 TWINSIFT_TEST_MAIN(tst_ScanProfileWidget)

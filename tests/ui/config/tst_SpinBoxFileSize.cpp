@@ -145,6 +145,13 @@ void tst_SpinBoxFileSize::changeOfUnitKeepsTheSize()
     choose(QStringLiteral("MB"));
     QCOMPARE(shown(), QStringLiteral("1.0"));
     QCOMPARE(input->sizeInKbytes(), 1536);
+    choose(QStringLiteral("GB"));
+    enter(QStringLiteral("1.5"));
+    choose(QStringLiteral("MB"));
+    QCOMPARE(shown(), QStringLiteral("1536.0"));
+    choose(QStringLiteral("GB"));
+    QCOMPARE(shown(), QStringLiteral("1.00"));
+    QCOMPARE(input->sizeInKbytes(), 1572864);
 }
 
 void tst_SpinBoxFileSize::editInTheNewUnitReplacesTheSize()

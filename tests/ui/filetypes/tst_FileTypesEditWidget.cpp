@@ -266,6 +266,7 @@ void tst_FileTypesEditWidget::nameThatIsAWholeEntryIsRefused()
     type(QStringLiteral("Lonely"), QStringLiteral("*.y"));
     press(QStringLiteral("Ok"));
     QCOMPARE(driver->failures(), QStringList());
+    QCOMPARE(driver->parents(), QList<QWidget *>({nullptr}));
     QVERIFY(added->isEmpty() && editor->isVisible());
     type(QStringLiteral("2"), QString());
     press(QStringLiteral("Ok"));

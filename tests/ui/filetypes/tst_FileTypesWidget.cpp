@@ -67,6 +67,8 @@ private slots:
     void unwritablePlaceStillTells_data();
     void unwritablePlaceStillTells();
     void readOnlyFileStillTells();
+    void strangersFileStillTells_data();
+    void strangersFileStillTells();
     void savedFileIsReadWithEmptyEntries();
     void frameNeitherSavesNorTells();
     void tenThousandEntries();
@@ -401,10 +403,7 @@ void tst_FileTypesWidget::fileThatCannotBeMadeLeavesTheListEmpty()
     // With a file in the place of the data folder the log says why, and the list is empty.
     QVERIFY(QDir(home() + QStringLiteral("/.local/share")).removeRecursively());
     TempTree(home()).file(QStringLiteral(".local/share"));
-    const QString file = dataFolder() + QStringLiteral("/ftie.dat");
     expectMessage(QtDebugMsg, QStringLiteral("\"Not a directory\""));
-    expectMessage(QtWarningMsg,
-                  QStringLiteral("QIODevice::write (QFile, \"%1\"): device not open").arg(file));
     expectMessage(QtDebugMsg, QStringLiteral("Cannot open dat file"));
     openWindow();
     QCOMPARE(rows(), QStringList());
@@ -762,14 +761,42 @@ void tst_FileTypesWidget::readOnlyFileStillTells()
         QSKIP("the super-user writes every file here");
     }
     const TempTree work(path(QString()));
-    work.file(QStringLiteral("ftie.dat"), "old");
+    work.file(QStringLiteral("ftie.dat"), "Old|*.old\r\n");
     work.setMode(QStringLiteral("ftie.dat"), 0400);
     openWindow();
     expectMessage(QtDebugMsg, QStringLiteral("Cannot open dat file"));
     QSignalSpy told(window.data(), SIGNAL(selectedTypesSignal(QStringList)));
     press(QStringLiteral("Close"));
     QCOMPARE(told.size(), 1);
-    QCOMPARE(TempTree::read(path(QStringLiteral("ftie.dat"))), QByteArray("old"));
+    QCOMPARE(TempTree::read(path(QStringLiteral("ftie.dat"))), QByteArray("Old|*.old\r\n"));
+}
+
+void tst_FileTypesWidget::strangersFileStillTells_data()
+{
+    QTest::addColumn<bool>("isLink");
+    QTest::newRow("file") << false;
+    QTest::newRow("link") << true;
+}
+
+void tst_FileTypesWidget::strangersFileStillTells()
+{
+    // A file that is no list of types stays as it is, through a link too, and the choice is told.
+    QFETCH(const bool, isLink);
+    const TempTree work(path(QString()));
+    const QString diary =
+        work.file(isLink ? QStringLiteral("diary") : QStringLiteral("ftie.dat"), "Dear diary,\n");
+    if (isLink) {
+        work.link(QStringLiteral("ftie.dat"), diary);
+    }
+    openWindow();
+    clickCheckBox(6);
+    expectMessage(QtDebugMsg, QStringLiteral("Cannot open dat file"));
+    QSignalSpy told(window.data(), SIGNAL(selectedTypesSignal(QStringList)));
+    press(QStringLiteral("Close"));
+    QCOMPARE(told.size(), 1);
+    QCOMPARE(told.first().first().toStringList(),
+             QStringList{QStringLiteral("Text Files|*.TXT;*.RTF\n")});
+    QCOMPARE(TempTree::read(diary), QByteArray("Dear diary,\n"));
 }
 
 void tst_FileTypesWidget::savedFileIsReadWithEmptyEntries()

@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QTextCodec>
 
+#include <sys/stat.h>
+
 namespace
 {
 QString fileName()
@@ -53,6 +55,12 @@ private slots:
     void readsUtf8AndSavesInTheLocalEncoding();
     void saveRefusesWhatIsNoRegularFile_data();
     void saveRefusesWhatIsNoRegularFile();
+    void saveReplacesListsOfTypesOnly_data();
+    void saveReplacesListsOfTypesOnly();
+    void saveReplacesTheFileThatIsRead();
+    void saveLeavesLinksAlone_data();
+    void saveLeavesLinksAlone();
+    void savedListIsNotWrittenAgain();
 };
 
 void tst_MaskFile::readingPathLiesInTheDataFolderAndMakesIt()
@@ -86,8 +94,6 @@ void tst_MaskFile::defaultThatCannotBeWrittenIsReported()
     // A default file that cannot be made leaves the error's text in the debug log.
     const QString place = path(QStringLiteral("missing/ftie.dat"));
     expectMessage(QtDebugMsg, QStringLiteral("\"No such file or directory\""));
-    expectMessage(QtWarningMsg,
-                  QStringLiteral("QIODevice::write (QFile, \"%1\"): device not open").arg(place));
     MaskFile::createDefault(place);
     QVERIFY(!QFileInfo::exists(place));
 }
@@ -239,7 +245,7 @@ void tst_MaskFile::unreadableFileCannotBeOpened()
 void tst_MaskFile::saveWritesTheWorkingFolder()
 {
     // Each entry is logged and saved in the working folder with a pair at its end, just one.
-    TempTree(path(QString())).file(fileName(), QByteArray(1000, 'x'));
+    TempTree(path(QString())).file(fileName(), QByteArray("Old|*.old\r\n").repeated(100));
     expectMessage(QtDebugMsg, QStringLiteral("write \"A|*.x\\n\\r\\n\""));
     expectMessage(QtDebugMsg, QStringLiteral("write \"B|*.y\\r\\n\""));
     expectMessage(QtDebugMsg, QStringLiteral("write \"\u00e4|*.z\\r\\n\""));
@@ -283,6 +289,86 @@ void tst_MaskFile::saveRefusesWhatIsNoRegularFile()
     fifo ? tree.fifo(fileName()) : tree.folder(fileName());
     QVERIFY(!MaskFile::save({QStringLiteral("A|*.x\n")}));
     QVERIFY(!QFileInfo(path(fileName())).isFile());
+}
+
+void tst_MaskFile::saveReplacesListsOfTypesOnly_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<bool>("isReplaced");
+    QTest::newRow("saved list") << QByteArray("A|*.x\n\r\nB|*.y\r\n") << true;
+    QTest::newRow("default list") << QByteArray("A|*.x\nB|*.y\n") << true;
+    QTest::newRow("entries in disorder") << QByteArray("A||\r\n\r\n|\r\n  \r\nB|*.y") << true;
+    QTest::newRow("empty file") << QByteArray() << true;
+    QTest::newRow("diary") << QByteArray("Dear diary,\ntoday nothing happened.\n") << false;
+    QTest::newRow("a line of something else") << QByteArray("A|*.x\r\nB\r\nC|*.z\r\n") << false;
+    QTest::newRow("something else at the end") << QByteArray("A|*.x\r\nB") << false;
+    QTest::newRow("zero byte") << QByteArray("A|*.x\r\n|\0\r\n", 11) << false;
+    QTest::newRow("something else behind what is read of a list")
+        << QByteArray("A|*.x\r\n").repeated(MaskFile::maxEntries) + "B" << false;
+}
+
+void tst_MaskFile::saveReplacesListsOfTypesOnly()
+{
+    // A file of the same name that is no list of types stays as it is.
+    QFETCH(const QByteArray, content);
+    QFETCH(const bool, isReplaced);
+    TempTree(path(QString())).file(fileName(), content);
+    allowMessages(QRegularExpression(QStringLiteral("^write ")));
+    QCOMPARE(MaskFile::save({QStringLiteral("New|*.n")}), isReplaced);
+    QCOMPARE(TempTree::read(path(fileName())), isReplaced ? QByteArray("New|*.n\r\n") : content);
+    QCOMPARE(QDir(path(QString())).entryList(QDir::Files), QStringList{fileName()});
+}
+
+void tst_MaskFile::saveReplacesTheFileThatIsRead()
+{
+    // Where both folders are one, whatever was read as a list of types is replaced.
+    const TempTree data(QFileInfo(MaskFile::readingPath()).path());
+    data.file(fileName(), "Lonely\n");
+    QVERIFY(QDir::setCurrent(data.root()));
+    allowMessages(QRegularExpression(QStringLiteral("^write ")));
+    QVERIFY(MaskFile::save({QStringLiteral("Lonely\n")}));
+    QCOMPARE(TempTree::read(MaskFile::readingPath()), QByteArray("Lonely\n\r\n"));
+}
+
+void tst_MaskFile::saveLeavesLinksAlone_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("to a diary") << QByteArray("Dear diary,\n");
+    QTest::newRow("to a list of types") << QByteArray("Old|*.old\r\n");
+    QTest::newRow("to the very list") << QByteArray("New|*.n\r\n");
+    QTest::newRow("to nothing") << QByteArray();
+}
+
+void tst_MaskFile::saveLeavesLinksAlone()
+{
+    // A link in the place of the file is neither followed nor replaced, wherever it leads.
+    QFETCH(const QByteArray, content);
+    const TempTree tree(path(QString()));
+    const QString target = tree.path(QStringLiteral("target"));
+    if (!content.isEmpty()) {
+        tree.file(QStringLiteral("target"), content);
+    }
+    tree.link(fileName(), target);
+    QVERIFY(!MaskFile::save({QStringLiteral("New|*.n")}));
+    QCOMPARE(QFile::symLinkTarget(path(fileName())), target);
+    QCOMPARE(QFileInfo::exists(target), !content.isEmpty());
+    QCOMPARE(content.isEmpty() ? content : TempTree::read(target), content);
+}
+
+void tst_MaskFile::savedListIsNotWrittenAgain()
+{
+    // A file that holds the list already stays the same file, untouched, and nothing is logged.
+    const TempTree tree(path(QString()));
+    tree.file(fileName(), "A|*.x\r\nB|*.y\r\n");
+    struct stat before = {};
+    QCOMPARE(::stat("ftie.dat", &before), 0);
+    QVERIFY(MaskFile::save({QStringLiteral("A|*.x"), QStringLiteral("B|*.y\r\n")}));
+    struct stat after = {};
+    QCOMPARE(::stat("ftie.dat", &after), 0);
+    QCOMPARE(after.st_ino, before.st_ino);
+    expectMessage(QtDebugMsg, QStringLiteral("write \"A|*.x\\r\\n\""));
+    QVERIFY(MaskFile::save({QStringLiteral("A|*.x")}));
+    QCOMPARE(TempTree::read(path(fileName())), QByteArray("A|*.x\r\n"));
 }
 
 TWINSIFT_TEST_MAIN(tst_MaskFile)

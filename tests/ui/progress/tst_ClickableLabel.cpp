@@ -88,6 +88,18 @@ struct Shown {
     ClickableLabel *label;
 };
 
+class PaintCounter final : public QObject
+{
+public:
+    int paints = 0;
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
 class PressCounter final : public QWidget
 {
 public:
@@ -120,6 +132,9 @@ private slots:
     void focusComesByTabAlone();
     void highlightUnderTheMouse_data();
     void highlightUnderTheMouse();
+    void screenFollowsTheMouse();
+    void wholeDrawing_data();
+    void wholeDrawing();
     void noHighlightWithoutText();
     void pointerShape();
     void iconStandsTwoPixelsIn();
@@ -343,6 +358,83 @@ void tst_ClickableLabel::highlightUnderTheMouse()
     QCOMPARE(at(shown.label, 199, 59), QColor(Qt::white));
     shown.moveMouseOut();
     QTRY_COMPARE(at(shown.label, 190, 30), QColor(Qt::white));
+}
+
+void tst_ClickableLabel::screenFollowsTheMouse()
+{
+    // The label repaints itself as the mouse comes and as it goes, not only when somebody asks.
+    Shown shown(caption());
+    QVERIFY(shown.show());
+    QTRY_COMPARE(shown.label->cursor().shape(), Qt::ArrowCursor);
+    QCoreApplication::processEvents();
+    PaintCounter counter;
+    shown.label->installEventFilter(&counter);
+    shown.moveMouseIn();
+    QTRY_COMPARE(shown.label->cursor().shape(), Qt::PointingHandCursor);
+    QCOMPARE(counter.paints, 1);
+    shown.moveMouseOut();
+    QTRY_COMPARE(shown.label->cursor().shape(), Qt::ArrowCursor);
+    QCOMPARE(counter.paints, 2);
+}
+
+void tst_ClickableLabel::wholeDrawing_data()
+{
+    QTest::addColumn<bool>("isEnabled");
+    QTest::addColumn<bool>("isHovered");
+    QTest::addColumn<bool>("hasIcon");
+    QTest::addColumn<QSize>("size");
+    const QSize wide(200, 60);
+    QTest::newRow("at rest") << true << false << true << wide;
+    QTest::newRow("disabled, at rest") << false << false << true << wide;
+    QTest::newRow("under the mouse") << true << true << true << wide;
+    QTest::newRow("without icon") << true << true << false << wide;
+    QTest::newRow("disabled, under the mouse") << false << true << true << wide;
+    QTest::newRow("too narrow for the caption") << true << true << true << QSize(110, 60);
+    QTest::newRow("too low for the caption") << true << true << false << QSize(200, 12);
+}
+
+void tst_ClickableLabel::wholeDrawing()
+{
+    // Every pixel: highlight of a quarter's opacity and corners of 5, the icon over it, the caption.
+    QFETCH(const bool, isEnabled);
+    QFETCH(const bool, isHovered);
+    QFETCH(const bool, hasIcon);
+    QFETCH(const QSize, size);
+    Shown shown(QStringLiteral("Caption of a label"));
+    QPixmap icon = square(40, Qt::transparent);
+    QPainter(&icon).fillRect(5, 5, 30, 20, QColor(200, 0, 0, 128));
+    if (hasIcon) {
+        shown.label->setPixmap(icon);
+    }
+    shown.label->textColor = QColor(QStringLiteral("#696969"));
+    shown.label->setEnabled(isEnabled);
+    shown.label->setMinimumSize(0, 0);
+    shown.label->resize(size);
+    QVERIFY(shown.show());
+    if (isHovered) {
+        QTest::mouseMove(shown.window.windowHandle(), QPoint(60, 56));
+        QTRY_COMPARE(shown.label->cursor().shape(), Qt::PointingHandCursor);
+    }
+
+    QImage wanted(size, QImage::Format_RGB32);
+    wanted.fill(Qt::white);
+    QPainter painter(&wanted);
+    QColor highlight(isEnabled ? QStringLiteral("#add8e6") : QStringLiteral("#cfcfc4"));
+    highlight.setAlpha(isHovered ? 64 : 0);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(highlight);
+    painter.drawRoundedRect(QRect(QPoint(), size), 5, 5, Qt::AbsoluteSize);
+    const int iconWidth = hasIcon ? 40 : 0;
+    if (hasIcon) {
+        painter.drawPixmap(QPointF(2, 2), icon);
+    }
+    painter.setFont(QFont());
+    painter.setPen(QColor(QStringLiteral("#696969")));
+    painter.drawText(QRect(iconWidth + 13, 2, size.width() - iconWidth - 15, size.height() - 4),
+                     Qt::AlignLeft | Qt::AlignVCenter,
+                     QStringLiteral("Caption of a label"));
+    painter.end();
+    QCOMPARE(render(shown.label), wanted);
 }
 
 void tst_ClickableLabel::noHighlightWithoutText()
