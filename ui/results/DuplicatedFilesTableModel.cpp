@@ -2,6 +2,7 @@
 #include "ui/results/DuplicatedFilesTableModel.h"
 
 #include "ui/results/PictureFile.h"
+#include "ui/results/PictureTip.h"
 
 #include <QColor>
 #include <QFont>
@@ -11,7 +12,6 @@ namespace
 {
 constexpr int columns = 4;
 constexpr int iconPixels = 32;
-constexpr int toolTipPixels = 500;
 constexpr int bytesPerKilobyte = 1024;
 
 bool isEven(qint32 group)
@@ -24,23 +24,6 @@ QFont boldFont()
     QFont font;
     font.setWeight(QFont::Bold);
     return font;
-}
-
-// As the toolkit's fast scaling rounds, but never down to a picture without pixels.
-int scaledSide(int side, int otherSide)
-{
-    return qMax(1, qRound(qreal(toolTipPixels) / otherSide * side));
-}
-
-QSize toolTipSize(const QSize &size)
-{
-    if (size.width() <= toolTipPixels && size.height() <= toolTipPixels) {
-        return size;
-    }
-    if (size.height() > size.width()) {
-        return {scaledSide(size.width(), size.height()), toolTipPixels};
-    }
-    return {toolTipPixels, scaledSide(size.height(), size.width())};
 }
 
 qint64 pixelBytes(const QPixmap &pixmap)
@@ -242,7 +225,8 @@ QString DuplicatedFilesTableModel::smallImageHtmlOrPath(const QString &path) con
         return path;
     }
     // The file's size of now, which need not be that of the picture that was remembered.
-    const QSize size = toolTipSize(PictureFile(path).size().expandedTo(QSize(0, 0)));
+    const QSize size = PictureFile::sizeWithin(PictureFile(path).size().expandedTo(QSize(0, 0)),
+                                               PictureTip::maxPixels);
     return QStringLiteral("<img src = \"%1\" height=%2 width=%3>")
         .arg(path, QString::number(size.height()), QString::number(size.width()));
 }
