@@ -12,6 +12,8 @@ namespace
 constexpr qint64 maxReducedPixels = 256'000'000;
 constexpr qint64 maxPhotoPixels = 128'000'000;
 constexpr qint64 maxPixels = 40'000'000;
+// Of PNG with 16 bits a channel, which takes 16 bytes a pixel on the way.
+constexpr qint64 maxDeepPixels = 20'000'000;
 // Each costs as much as going through the whole picture. Encoders write about ten.
 constexpr int maxScans = 32;
 constexpr qint64 maxMilliseconds = 2000;
@@ -31,6 +33,7 @@ int scaledSide(int side, int otherSide, int otherTarget)
 
 PictureFile::PictureFile(const QString &path)
     : file(maxMilliseconds)
+    , mostPixels(maxPixels)
 {
     if (!file.openFile(path)) {
         return;
@@ -44,18 +47,14 @@ PictureFile::PictureFile(const QString &path)
     reader.setFormat(format);
     reader.setDevice(&file);
     const QSize size = headerSize();
-    if (!size.isEmpty()) {
+    if (!size.isEmpty() && qint64(size.width()) * size.height() <= mostPixels) {
         announcedSize = size;
-        if (!isWithin(isSingleScan ? maxReducedPixels : maxPixels)) {
-            announcedSize = {};
-        }
     }
 }
 
 QImage PictureFile::read()
 {
-    return isWithin(isSingleScan ? maxPhotoPixels : maxPixels) && takeIntoMemory() ? decode()
-                                                                                   : QImage();
+    return isWithin(maxPhotoPixels) && takeIntoMemory() ? decode() : QImage();
 }
 
 QImage PictureFile::readAtSize(const QSize &target)
@@ -147,20 +146,28 @@ bool PictureFile::takeIntoMemory()
 
 QSize PictureFile::headerSize()
 {
-    // What these announce to the toolkit is not what decoding them takes. The file is looked at
-    // before the reader moves in it.
+    // The file is looked at before the reader moves in it: what these announce to the toolkit is not
+    // what decoding them takes, or takes long to find.
+    if (format == "jpeg") {
+        const PictureHeader::Jpeg header = PictureHeader::jpeg(&file);
+        isSingleScan = header.isSingleScan;
+        firstScan = header.firstScan;
+        mostPixels = isSingleScan ? maxReducedPixels : maxPixels;
+        return header.size;
+    }
+    if (format == "png") {
+        const PictureHeader::Png header = PictureHeader::png(&file);
+        mostPixels = header.bitsPerChannel > 8 ? maxDeepPixels : maxPixels;
+        return header.size;
+    }
     if (format == "gif") {
         return sizeOfGif();
     }
     if (format == "ico") {
         const QSize first = PictureHeader::firstImageOfIcon(&file);
-        if (first.isEmpty() || qint64(first.width()) * first.height() > maxPixels) {
+        if (first.isEmpty() || qint64(first.width()) * first.height() > maxDeepPixels) {
             return {};
         }
-    } else if (format == "jpeg") {
-        const PictureHeader::JpegScans scans = PictureHeader::scansOfJpeg(&file);
-        isSingleScan = scans.isSingle;
-        firstScan = scans.start;
     }
     return reader.size();
 }

@@ -55,6 +55,7 @@ private:
     QByteArray format;
     QImageReader reader;
     QSize announcedSize;
+    qint64 mostPixels;
     /** Of a JPEG: it is decoded from line to line, and need not be held as a whole. */
     bool isSingleScan = false;
     qint64 firstScan = 0;

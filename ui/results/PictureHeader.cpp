@@ -12,15 +12,19 @@ constexpr int iconEntryBytes = 16;
 constexpr int iconImageBytesOffset = 8;
 constexpr int iconImageOffset = 12;
 constexpr int pngSizeOffset = 16;
+constexpr int pngBitsOffset = 24;
 constexpr int bitmapSizeOffset = 4;
 
 constexpr char pngSignature[] = "\x89PNG\r\n\x1a\n";
 
 // Of at most 64 kilobytes each. Some cameras put a second picture of many of them before the first.
-constexpr int maxJpegSegments = 2048;
+constexpr int maxJpegSegments = 512;
+constexpr int maxStrayBytes = 65536;
 constexpr uchar jpegMarker = 0xff;
 constexpr uchar startOfScan = 0xda;
 constexpr uchar endOfImage = 0xd9;
+constexpr int heightInFrameOffset = 5;
+constexpr int widthInFrameOffset = 7;
 constexpr int componentsInFrameOffset = 9;
 constexpr int componentsInScanOffset = 4;
 
@@ -40,10 +44,18 @@ QVector<Signature> signatures()
             {QByteArray(pngSignature), QByteArrayLiteral("png")}};
 }
 
-QByteArray bytesAt(QIODevice *device, qint64 offset, int count)
+// As many as there are.
+QByteArray bytesFrom(QIODevice *device, qint64 offset, int count)
 {
     QByteArray bytes = device->seek(offset) ? device->read(count) : QByteArray();
     device->seek(0);
+    return bytes;
+}
+
+// All or none.
+QByteArray bytesAt(QIODevice *device, qint64 offset, int count)
+{
+    QByteArray bytes = bytesFrom(device, offset, count);
     return bytes.size() == count ? bytes : QByteArray();
 }
 
@@ -81,6 +93,18 @@ bool isSequential(uchar frame)
     return frame == 0xc0 || frame == 0xc1;
 }
 
+bool isMarker(const QByteArray &segment)
+{
+    return byteAt(segment, 0) == jpegMarker && byteAt(segment, 1) != jpegMarker
+        && byteAt(segment, 1) != 0;
+}
+
+QSize pngSize(const QByteArray &header)
+{
+    return {qFromBigEndian<qint32>(header.constData() + pngSizeOffset),
+            qFromBigEndian<qint32>(header.constData() + pngSizeOffset + 4)};
+}
+
 // Behind coded data, in which only a zero or a restart follows such a byte. -1 where there is none.
 int nextMarker(const QByteArray &jpeg, int from)
 {
@@ -108,6 +132,60 @@ QByteArray PictureHeader::format(QIODevice *device)
     return {};
 }
 
+PictureHeader::Jpeg PictureHeader::jpeg(QIODevice *device)
+{
+    Jpeg jpeg;
+    uchar frame = 0;
+    int components = 0;
+    qint64 at = 2;
+    for (int i = 0; i < maxJpegSegments; ++i) {
+        QByteArray segment = bytesAt(device, at, componentsInFrameOffset + 1);
+        if (!segment.isEmpty() && !isMarker(segment)) {
+            // The decoder goes on behind what is out of place.
+            at += qMax(0, nextMarker(bytesFrom(device, at, maxStrayBytes), 0));
+            segment = bytesAt(device, at, componentsInFrameOffset + 1);
+        }
+        if (segment.isEmpty() || !isMarker(segment)) {
+            break;
+        }
+        const uchar marker = byteAt(segment, 1);
+        if (marker == startOfScan) {
+            jpeg.isSingleScan =
+                isSequential(frame) && byteAt(segment, componentsInScanOffset) == components;
+            jpeg.firstScan = at;
+            return jpeg;
+        }
+        if (isFrame(marker)) {
+            frame = marker;
+            components = byteAt(segment, componentsInFrameOffset);
+            jpeg.size = {bigEndian16(segment, widthInFrameOffset),
+                         bigEndian16(segment, heightInFrameOffset)};
+        }
+        at += standsAlone(marker) ? 2 : 2 + bigEndian16(segment, 2);
+    }
+    return {};
+}
+
+int PictureHeader::countScans(const QByteArray &bytes, qint64 firstScan)
+{
+    int scans = 0;
+    int at = firstScan < bytes.size() ? static_cast<int>(firstScan) : -1;
+    while (at >= 0 && at + 4 <= bytes.size() && byteAt(bytes, at + 1) != endOfImage) {
+        const uchar marker = byteAt(bytes, at + 1);
+        if (marker == startOfScan) {
+            ++scans;
+        }
+        at = nextMarker(bytes, standsAlone(marker) ? at + 2 : at + 2 + bigEndian16(bytes, at + 2));
+    }
+    return scans;
+}
+
+PictureHeader::Png PictureHeader::png(QIODevice *device)
+{
+    const QByteArray header = bytesAt(device, 0, pngBitsOffset + 1);
+    return header.isEmpty() ? Png() : Png{pngSize(header), byteAt(header, pngBitsOffset)};
+}
+
 QSize PictureHeader::canvasOfGif(QIODevice *device)
 {
     const QByteArray canvas = bytesAt(device, gifCanvasOffset, 4);
@@ -132,51 +210,8 @@ QSize PictureHeader::firstImageOfIcon(QIODevice *device)
         return {};
     }
     if (header.startsWith(pngSignature)) {
-        return {qFromBigEndian<qint32>(header.constData() + pngSizeOffset),
-                qFromBigEndian<qint32>(header.constData() + pngSizeOffset + 4)};
+        return pngSize(header);
     }
     return {littleEndian<qint32>(header, bitmapSizeOffset),
             littleEndian<qint32>(header, bitmapSizeOffset + 4)};
-}
-
-PictureHeader::JpegScans PictureHeader::scansOfJpeg(QIODevice *device)
-{
-    uchar frame = 0;
-    int components = 0;
-    qint64 at = 2;
-    for (int i = 0; i < maxJpegSegments; ++i) {
-        const QByteArray segment = bytesAt(device, at, componentsInFrameOffset + 1);
-        if (segment.isEmpty() || byteAt(segment, 0) != jpegMarker) {
-            break;
-        }
-        const uchar marker = byteAt(segment, 1);
-        if (marker == jpegMarker) {
-            ++at;
-            continue;
-        }
-        if (marker == startOfScan) {
-            const bool hasAll = byteAt(segment, componentsInScanOffset) == components;
-            return {isSequential(frame) && hasAll, at};
-        }
-        if (isFrame(marker)) {
-            frame = marker;
-            components = byteAt(segment, componentsInFrameOffset);
-        }
-        at += standsAlone(marker) ? 2 : 2 + bigEndian16(segment, 2);
-    }
-    return {};
-}
-
-int PictureHeader::countScans(const QByteArray &jpeg, qint64 start)
-{
-    int scans = 0;
-    int at = start < jpeg.size() ? static_cast<int>(start) : -1;
-    while (at >= 0 && at + 4 <= jpeg.size() && byteAt(jpeg, at + 1) != endOfImage) {
-        const uchar marker = byteAt(jpeg, at + 1);
-        if (marker == startOfScan) {
-            ++scans;
-        }
-        at = nextMarker(jpeg, standsAlone(marker) ? at + 2 : at + 2 + bigEndian16(jpeg, at + 2));
-    }
-    return scans;
 }

@@ -67,10 +67,10 @@ QByteArray widestGif()
     return gif.replace(6, 4, QByteArray::fromHex("ffffffff"));
 }
 
-QByteArray pngOf(quint32 width, quint32 height)
+QByteArray pngOf(quint32 width, quint32 height, char bits = 8)
 {
     QByteArray header =
-        "IHDR" + bigEndian(width) + bigEndian(height) + QByteArray::fromHex("0802000000");
+        "IHDR" + bigEndian(width) + bigEndian(height) + bits + QByteArray::fromHex("02000000");
     Crc32 crc;
     crc.initInstance(1);
     crc.pushData(1, header.data(), header.size());
@@ -152,6 +152,8 @@ private slots:
     void refusesEndlessScans_data();
     void refusesEndlessScans();
     void findsTheFrameBehindManySegments();
+    void findsTheFrameBehindStrayBytes();
+    void knowsASizeWithoutReadingOn();
     void refusesAnIconThatAnnouncesMoreThanItsFile();
     void looksAtTheFirstImageOfAnAnimation();
     void givesUpOnASlowFile();
@@ -198,6 +200,7 @@ void tst_PictureFile::hasNoPictureIn_data()
     QTest::newRow("an empty file") << QByteArray();
     QTest::newRow("a text") << QByteArray("no picture at all");
     QTest::newRow("a PNG of more than 40 megapixels") << pngOf(8001, 5000);
+    QTest::newRow("a deep PNG of more than 20 megapixels") << pngOf(5001, 4000, 16);
     QTest::newRow("a JPEG of more than 256 megapixels") << jpegOf(16001, 16000);
     QTest::newRow("a progressive JPEG of more than 40 megapixels") << jpegOf(8001, 5000, true);
     QTest::newRow("a PNG of 65,535 by 65,535") << widestPng();
@@ -256,6 +259,7 @@ void tst_PictureFile::takesAPictureUpToTheLimit_data()
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QSize>("size");
     QTest::newRow("PNG") << pngOf(8000, 5000) << QSize(8000, 5000);
+    QTest::newRow("deep PNG") << pngOf(5000, 4000, 16) << QSize(5000, 4000);
     QTest::newRow("JPEG") << jpegOf(16000, 16000) << QSize(16000, 16000);
     QTest::newRow("progressive JPEG") << jpegOf(8000, 5000, true) << QSize(8000, 5000);
 }
@@ -333,6 +337,37 @@ void tst_PictureFile::findsTheFrameBehindManySegments()
             .file(QStringLiteral("a.jpg"), small.left(2) + segments + small.mid(2));
     QCOMPARE(PictureFile(name).size(), QSize(40, 30));
     QCOMPARE(PictureFile(name).readAtHeight(32).size(), QSize(43, 32));
+}
+
+void tst_PictureFile::findsTheFrameBehindStrayBytes()
+{
+    // What is out of place between two segments is passed over, as the decoder does.
+    allowMessages(QRegularExpression(QStringLiteral("^Corrupt JPEG data: .* extraneous bytes")));
+    const QByteArray small = jpeg(gradient(QSize(40, 30)));
+    const QByteArray stray = QByteArray(300, 'x') + QByteArray("\xff\x00", 2) + "\xff\xff";
+    const QString name = TempTree(path(QString()))
+                             .file(QStringLiteral("a.jpg"), small.left(2) + stray + small.mid(2));
+    QCOMPARE(PictureFile(name).size(), QSize(40, 30));
+    QCOMPARE(PictureFile(name).read().size(), QSize(40, 30));
+}
+
+void tst_PictureFile::knowsASizeWithoutReadingOn()
+{
+    // The size of a picture with gigabytes of notes in it costs no more than that of any other.
+    const TempTree tree(path(QString()));
+    const QByteArray header = pngOf(40, 30).left(33) + bigEndian(0x7fffffff) + "prVt";
+    const QByteArray small = jpeg(gradient(QSize(40, 30)));
+    const QByteArray endless = small.left(2) + segment(65535).repeated(600);
+    for (const QByteArray &content : {header, endless}) {
+        const QString name = tree.file(QStringLiteral("a.png"), content);
+        QVERIFY(QFile::resize(name, qint64(50) << 30));
+        QElapsedTimer timer;
+        timer.start();
+        const QSize size = PictureFile(name).size();
+        QVERIFY(timer.elapsed() < 500);
+        QCOMPARE(size, content == header ? QSize(40, 30) : QSize());
+        QVERIFY(PictureFile(name).read().isNull());
+    }
 }
 
 void tst_PictureFile::refusesAnIconThatAnnouncesMoreThanItsFile()
