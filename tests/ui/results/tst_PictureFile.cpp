@@ -11,6 +11,8 @@
 #include <QImageWriter>
 #include <QPixmap>
 
+#include <fcntl.h>
+
 namespace
 {
 QByteArray bigEndian(quint32 number)
@@ -144,6 +146,7 @@ private slots:
     void hasNoPictureIn_data();
     void hasNoPictureIn();
     void doesNotWaitForAPipe();
+    void takesNothingFromAPipe();
     void refusesWhatItMayNotRead();
     void takesAPictureUpToTheLimit_data();
     void takesAPictureUpToTheLimit();
@@ -242,6 +245,20 @@ void tst_PictureFile::doesNotWaitForAPipe()
     }
 }
 
+void tst_PictureFile::takesNothingFromAPipe()
+{
+    // A picture that waits in a pipe is none, and stays there for whom it is meant.
+    const QByteArray picture = pngOf(40, 30);
+    const QString name = TempTree(path(QString())).fifo(QStringLiteral("pipe.png"));
+    QFile pipe(name);
+    const int descriptor = ::open(QFile::encodeName(name).constData(), O_RDWR | O_NONBLOCK);
+    QVERIFY(pipe.open(descriptor, QIODevice::ReadWrite, QFile::AutoCloseHandle));
+    QCOMPARE(pipe.write(picture), qint64(picture.size()));
+    QVERIFY(pipe.flush());
+    QVERIFY(!PictureFile(name).size().isValid());
+    QCOMPARE(pipe.read(picture.size()), picture);
+}
+
 void tst_PictureFile::refusesWhatItMayNotRead()
 {
     // A file that may not be read is null, even if one with a further ending lies beside it.
@@ -296,6 +313,10 @@ void tst_PictureFile::takesAProgressiveJpeg()
     const QImage icon = PictureFile(name).readAtHeight(32);
     QCOMPARE(icon.size(), QSize(43, 32));
     QVERIFY(qAbs(icon.pixelColor(40, 16).red() - 240) < 12);
+    // The scans of pictures behind its end are none of its own.
+    const QByteArray content = jpeg(image, true);
+    tree.file(QStringLiteral("a.jpg"), content.repeated(5));
+    QCOMPARE(PictureFile(name).readAtHeight(32), icon);
 }
 
 void tst_PictureFile::refusesEndlessScans_data()
@@ -346,7 +367,7 @@ void tst_PictureFile::findsTheFrameBehindStrayBytes()
     const QByteArray small = jpeg(gradient(QSize(40, 30)));
     const QByteArray stray = QByteArray(300, 'x') + QByteArray("\xff\x00", 2) + "\xff\xff";
     const QString name = TempTree(path(QString()))
-                             .file(QStringLiteral("a.jpg"), small.left(2) + stray + small.mid(2));
+                             .file(QStringLiteral("a.jpg"), small.left(20) + stray + small.mid(20));
     QCOMPARE(PictureFile(name).size(), QSize(40, 30));
     QCOMPARE(PictureFile(name).read().size(), QSize(40, 30));
 }
@@ -357,7 +378,7 @@ void tst_PictureFile::knowsASizeWithoutReadingOn()
     const TempTree tree(path(QString()));
     const QByteArray header = pngOf(40, 30).left(33) + bigEndian(0x7fffffff) + "prVt";
     const QByteArray small = jpeg(gradient(QSize(40, 30)));
-    const QByteArray endless = small.left(2) + segment(65535).repeated(600);
+    const QByteArray endless = small.left(2) + segment(65535).repeated(600) + small.mid(2);
     for (const QByteArray &content : {header, endless}) {
         const QString name = tree.file(QStringLiteral("a.png"), content);
         QVERIFY(QFile::resize(name, qint64(50) << 30));
