@@ -6,7 +6,10 @@
 QString ToolTipText::ofPath(const QString &path)
 {
     // Only what would be taken for markup, so that a tool tip of text alone keeps the look of one.
-    return Qt::mightBeRichText(path)
-        ? QStringLiteral("<p style=\"white-space:pre-wrap\">%1</p>").arg(path.toHtmlEscaped())
-        : path;
+    if (!Qt::mightBeRichText(path)) {
+        return path;
+    }
+    // A line break at the end is kept as a tag alone.
+    const QString escaped = path.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>"));
+    return QStringLiteral("<p style=\"white-space:pre-wrap\">%1</p>").arg(escaped);
 }

@@ -330,6 +330,7 @@ void tst_PictureTip::textNamesNothing_data()
                              "<img src=http://host/a.png>",
                              "/a/  two  <b>spaces",
                              "/a/line\nbreak<b>",
+                             "/a/<b>break at the end\n",
                              "/a/%1<b>%2",
                              "/a/&lt;b&gt;",
                              "/a/&lt;b&gt;<i>"}) {
