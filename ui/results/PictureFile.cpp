@@ -31,8 +31,8 @@ int scaledSide(int side, int otherSide, int otherTarget)
 }
 } // namespace
 
-PictureFile::PictureFile(const QString &path)
-    : file(maxMilliseconds)
+PictureFile::PictureFile(const QString &path, const std::atomic<bool> *isEnded)
+    : file(maxMilliseconds, isEnded)
     , mostPixels(maxPixels)
 {
     if (!file.openFile(path)) {

@@ -23,8 +23,8 @@ class PictureFile final
     Q_DISABLE_COPY(PictureFile)
 
 public:
-    /** Reads no more than the header. */
-    explicit PictureFile(const QString &path);
+    /** Reads no more than the header. Where given, the flag ends the reading once it is set. */
+    explicit PictureFile(const QString &path, const std::atomic<bool> *isEnded = nullptr);
 
     /** In pixels, as the header announces it; invalid if the file cannot be read as a picture. */
     QSize size() const { return announcedSize; }

@@ -5,22 +5,25 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-TimedFile::TimedFile(qint64 milliseconds)
+TimedFile::TimedFile(qint64 milliseconds, const std::atomic<bool> *isEnded)
     : maxMilliseconds(milliseconds)
+    , isTimeEnded(isEnded)
 {
 }
 
 bool TimedFile::openFile(const QString &path)
 {
     timer.start();
-    // Opening a pipe would wait for its writer. It is looked at when it is open, so that nobody can
-    // put something else in its place in between.
-    const int descriptor =
-        ::open(encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const QByteArray name = encodeName(path);
+    struct stat status = {};
+    if (::stat(name.constData(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return false;
+    }
+    // What has come to its place since is not waited for either.
+    const int descriptor = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (descriptor < 0) {
         return false;
     }
-    struct stat status = {};
     if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)
         && open(descriptor, ReadOnly, AutoCloseHandle)) {
         return true;
@@ -31,6 +34,7 @@ bool TimedFile::openFile(const QString &path)
 
 qint64 TimedFile::readData(char *data, qint64 maxBytes)
 {
-    late = late || timer.hasExpired(maxMilliseconds);
+    late = late || timer.hasExpired(maxMilliseconds)
+        || (isTimeEnded != nullptr && isTimeEnded->load());
     return late ? -1 : QFile::readData(data, maxBytes);
 }

@@ -4,11 +4,13 @@
 #include <QElapsedTimer>
 #include <QFile>
 
+#include <atomic>
+
 /**
  * A regular file that is read for a bounded time: past it every read fails, whether a disk is slow
  * or whoever reads finds no end.
  *
- * Anything else than a regular file is refused without waiting for it.
+ * Anything else than a regular file is refused without being opened.
  */
 class TimedFile final : public QFile
 {
@@ -16,7 +18,8 @@ class TimedFile final : public QFile
     Q_DISABLE_COPY(TimedFile)
 
 public:
-    explicit TimedFile(qint64 milliseconds);
+    /** Where given, the flag ends the time as soon as it is set, by any thread. */
+    explicit TimedFile(qint64 milliseconds, const std::atomic<bool> *isEnded = nullptr);
 
     /** For reading. The time runs from here. */
     bool openFile(const QString &path);
@@ -28,6 +31,7 @@ protected:
 
 private:
     qint64 maxMilliseconds;
+    const std::atomic<bool> *isTimeEnded;
     QElapsedTimer timer;
     bool late = false;
 };

@@ -12,6 +12,10 @@
 #include <QPixmap>
 
 #include <fcntl.h>
+#ifdef Q_OS_LINUX
+#include <sys/inotify.h>
+#endif
+#include <unistd.h>
 
 namespace
 {
@@ -247,7 +251,8 @@ void tst_PictureFile::doesNotWaitForAPipe()
 
 void tst_PictureFile::takesNothingFromAPipe()
 {
-    // A picture that waits in a pipe is none, and stays there for whom it is meant.
+    // A picture that waits in a pipe is none, and stays there for whom it is meant: the pipe is not
+    // even opened, which would let its writer go on.
     const QByteArray picture = pngOf(40, 30);
     const QString name = TempTree(path(QString())).fifo(QStringLiteral("pipe.png"));
     QFile pipe(name);
@@ -255,7 +260,17 @@ void tst_PictureFile::takesNothingFromAPipe()
     QVERIFY(pipe.open(descriptor, QIODevice::ReadWrite, QFile::AutoCloseHandle));
     QCOMPARE(pipe.write(picture), qint64(picture.size()));
     QVERIFY(pipe.flush());
+#ifdef Q_OS_LINUX
+    const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    QVERIFY(inotify_add_watch(watch, QFile::encodeName(name).constData(), IN_OPEN) >= 0);
+#endif
     QVERIFY(!PictureFile(name).size().isValid());
+#ifdef Q_OS_LINUX
+    inotify_event event = {};
+    const ssize_t bytes = ::read(watch, &event, sizeof event);
+    ::close(watch);
+    QCOMPARE(bytes, ssize_t(-1));
+#endif
     QCOMPARE(pipe.read(picture.size()), picture);
 }
 
