@@ -11,7 +11,6 @@
 namespace
 {
 constexpr int columns = 4;
-constexpr int iconPixels = 32;
 constexpr int bytesPerKilobyte = 1024;
 
 bool isEven(qint32 group)
@@ -119,6 +118,20 @@ QSize DuplicatedFilesTableModel::decorationSize(const QModelIndex &index) const
     return size.isEmpty() ? fileIcon : size;
 }
 
+bool DuplicatedFilesTableModel::lacksIcon(const QString &path) const
+{
+    return cachedIconBytes < maxCachedIconBytes && isPicture(path) && !iconCache.contains(path)
+        && !pixmapCache.contains(path);
+}
+
+void DuplicatedFilesTableModel::takeIcon(const QString &path, const QImage &icon)
+{
+    // A file that has gone may come again before it is asked for.
+    if (lacksIcon(path) && (!icon.isNull() || QFileInfo::exists(path))) {
+        rememberIcon(path, QPixmap::fromImage(icon));
+    }
+}
+
 int DuplicatedFilesTableModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : filesByGroup.size();
@@ -209,7 +222,7 @@ QPixmap DuplicatedFilesTableModel::scaledPixmapToIcon(const QString &path) const
         return *cached;
     }
     const QPixmap icon = makeIcon(path);
-    iconCache.insert(path, icon);
+    rememberIcon(path, icon);
     return icon;
 }
 
@@ -311,5 +324,14 @@ void DuplicatedFilesTableModel::remember(const QString &path, const QPixmap &pix
     if (cachedPixmapBytes + bytes <= maxCachedPixmapBytes) {
         cachedPixmapBytes += bytes;
         pixmapCache.insert(path, pixmap);
+    }
+}
+
+void DuplicatedFilesTableModel::rememberIcon(const QString &path, const QPixmap &icon) const
+{
+    const qint64 bytes = pixelBytes(icon);
+    if (cachedIconBytes + bytes <= maxCachedIconBytes) {
+        cachedIconBytes += bytes;
+        iconCache.insert(path, icon);
     }
 }
