@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "tests/faults/FaultShim.h"
 #include "tests/support/TestCase.h"
+#include "ui/results/DuplicatedFilesTableModel.h"
 #include "ui/results/PictureFile.h"
+#include "ui/results/ThumbnailPrefetcher.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <QTableView>
+
+#include <memory>
 
 namespace
 {
@@ -35,6 +40,8 @@ private slots:
     void haveNoIconInsteadOfWaiting_data();
     void haveNoIconInsteadOfWaiting();
     void haveTheirIconWhereThereIsTime();
+    void doNotKeepATableThatGoes_data();
+    void doNotKeepATableThatGoes();
 };
 
 void tst_SlowPictures::cleanup()
@@ -78,6 +85,49 @@ void tst_SlowPictures::haveTheirIconWhereThereIsTime()
     FaultShim::delay(FaultShim::Read, 300);
     QCOMPARE(PictureFile(file).readAtHeight(32).size(), QSize(43, 32));
     QVERIFY(FaultShim::calls(FaultShim::Read) > 0);
+}
+
+void tst_SlowPictures::doNotKeepATableThatGoes_data()
+{
+    QTest::addColumn<int>("delay");
+    QTest::newRow("a slow disk") << 300;
+    QTest::newRow("one that hangs") << 3000;
+}
+
+void tst_SlowPictures::doNotKeepATableThatGoes()
+{
+    // A table whose next rows are being decoded goes at once, whatever their reading waits for.
+    QFETCH(int, delay);
+    QStringList files;
+    for (int i = 0; i < 100; ++i) {
+        files.append(path(QStringLiteral("%1.png").arg(i)));
+        QVERIFY(noise(QSize(300, 200)).save(files.last()));
+    }
+    auto view = std::make_unique<QTableView>();
+    DuplicatedFilesTableModel model;
+    model.setDuplicatedFilesInList({files});
+    for (const QString &file : files) {
+        // What is in view is decoded as it is asked for, which is not the matter here.
+        if (model.rowCount() - files.indexOf(file) <= 30) {
+            model.scaledPixmapToIcon(file);
+        }
+    }
+    view->setModel(&model);
+    new ThumbnailPrefetcher(view.get(), &model);
+    FaultShim::watch(QFile::encodeName(path(QString())).constData());
+    FaultShim::delay(FaultShim::Read, delay);
+    view->resize(600, 20 * view->rowHeight(0));
+    view->show();
+    QTRY_VERIFY(FaultShim::calls(FaultShim::Read) > 0);
+    QElapsedTimer timer;
+    timer.start();
+    view.reset();
+    QVERIFY(timer.elapsed() < 1000);
+    // No further picture is begun by those that come back.
+    QTest::qSleep(2 * delay);
+    const long calls = FaultShim::calls(FaultShim::Read);
+    QTest::qSleep(2 * delay);
+    QCOMPARE(FaultShim::calls(FaultShim::Read), calls);
 }
 
 TWINSIFT_TEST_MAIN(tst_SlowPictures)

@@ -148,10 +148,7 @@ void ThumbnailPrefetcher::onPauseEnded()
     const QVector<int> rows = rowsToPrepare(first, last, isDownwards, rowCount);
     for (const int row : rows) {
         const QModelIndex index = model->index(row, DuplicatedFilesTableModel::FilepathColumn);
-        const QString path = index.data().toString();
-        if (model->lacksIcon(path)) {
-            wanted.append(path);
-        }
+        wanted.append(index.data().toString());
     }
     startDecodings();
 }
@@ -160,7 +157,7 @@ void ThumbnailPrefetcher::startDecodings()
 {
     while (underWay.size() < maxThreads && !wanted.isEmpty()) {
         const QString path = wanted.takeFirst();
-        // The view may have been faster, or have the file in two groups.
+        // Most are there already, and the view may be faster.
         if (!underWay.contains(path) && model->lacksIcon(path)) {
             underWay.insert(path);
             threads->start(new Decoding(path, mailbox));

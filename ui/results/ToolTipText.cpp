@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/results/ToolTipText.h"
 
+#include <QRegularExpression>
 #include <QTextDocument>
 
 QString ToolTipText::ofPath(const QString &path)
@@ -9,7 +10,8 @@ QString ToolTipText::ofPath(const QString &path)
     if (!Qt::mightBeRichText(path)) {
         return path;
     }
-    // A line break at the end is kept as a tag alone.
-    const QString escaped = path.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>"));
+    // A line break at the end, or of another system, would be lost as it is.
+    static const QRegularExpression lineBreak(QStringLiteral("\r\n|\r|\n"));
+    const QString escaped = path.toHtmlEscaped().replace(lineBreak, QStringLiteral("<br>"));
     return QStringLiteral("<p style=\"white-space:pre-wrap\">%1</p>").arg(escaped);
 }

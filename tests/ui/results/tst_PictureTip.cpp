@@ -331,6 +331,7 @@ void tst_PictureTip::textNamesNothing_data()
                              "/a/  two  <b>spaces",
                              "/a/line\nbreak<b>",
                              "/a/<b>break at the end\n",
+                             "/a/<b>more\n\n\nbreaks",
                              "/a/%1<b>%2",
                              "/a/&lt;b&gt;",
                              "/a/&lt;b&gt;<i>"}) {

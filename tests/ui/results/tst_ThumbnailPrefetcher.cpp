@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/OpenWatch.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
 #include "ui/results/DuplicatedFilesTableModel.h"
@@ -8,11 +9,6 @@
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QTableView>
-
-#ifdef Q_OS_LINUX
-#include <sys/inotify.h>
-#endif
-#include <unistd.h>
 
 namespace
 {
@@ -68,6 +64,7 @@ private slots:
     void choosesTheRowsThatComeNext();
     void preparesTheNextPages();
     void followsTheScrolling();
+    void preparesNothingTwice();
     void preparesWhatTheModelWouldShow();
     void preparesNothingOutOfSight();
     void startsAnewWithOtherRows();
@@ -155,6 +152,19 @@ void tst_ThumbnailPrefetcher::followsTheScrolling()
     QVERIFY(!table.model.hasIcon(68) && !table.model.hasIcon(140));
 }
 
+void tst_ThumbnailPrefetcher::preparesNothingTwice()
+{
+    // A row that is prepared is not read again when the next one is.
+    const QStringList files = pictures();
+    Table table(files);
+    table.show();
+    QTRY_COMPARE(table.model.iconCache.size(), 40);
+    const OpenWatch watch(files.at(15));
+    table.view.verticalScrollBar()->setValue(table.view.rowHeight(0));
+    QTRY_VERIFY(table.model.hasIcon(40));
+    QVERIFY(!watch.wasOpened());
+}
+
 void tst_ThumbnailPrefetcher::preparesWhatTheModelWouldShow()
 {
     // A prepared icon is the one that the model makes when it is asked first.
@@ -172,28 +182,37 @@ void tst_ThumbnailPrefetcher::preparesWhatTheModelWouldShow()
 void tst_ThumbnailPrefetcher::preparesNothingOutOfSight()
 {
     // As long as the table is not shown nothing is decoded.
-    Table table(pictures());
-    table.model.updateSortingList();
-    QCoreApplication::processEvents();
-    QCoreApplication::processEvents();
-    QVERIFY(table.model.iconCache.isEmpty());
-    table.show();
-    QTRY_VERIFY(table.model.hasIcon(15));
+    const QStringList files = pictures();
+    Table hidden(files);
+    hidden.model.updateSortingList();
+    Table shown(files);
+    shown.show();
+    QTRY_COMPARE(shown.model.iconCache.size(), 40);
+    QVERIFY(hidden.model.iconCache.isEmpty());
+    hidden.show();
+    QTRY_VERIFY(hidden.model.hasIcon(15));
 }
 
 void tst_ThumbnailPrefetcher::startsAnewWithOtherRows()
 {
     // The next scan's rows are prepared from the top, whatever had been scrolled before.
     const QStringList files = pictures();
-    Table table(files.mid(0, 100));
+    const auto groups = [&files](int from) {
+        QList<QStringList> list;
+        for (const QString &file : files.mid(from, 60)) {
+            list.append({file});
+        }
+        return list;
+    };
+    Table table(files.mid(0, 60));
     table.show();
-    table.view.verticalScrollBar()->setValue(50 * table.view.rowHeight(0));
-    QTRY_VERIFY(table.model.hasIcon(65));
-    QList<QStringList> groups;
-    for (const QString &file : files.mid(100)) {
-        groups.append({file});
-    }
-    table.model.setDuplicatedFilesInList(groups);
+    QTRY_VERIFY(table.model.hasIcon(39));
+    table.model.setDuplicatedFilesInList(groups(60));
+    QTRY_VERIFY(table.model.hasIcon(39));
+    table.view.grab();
+    table.view.verticalScrollBar()->setValue(30 * table.view.rowHeight(0));
+    QTRY_VERIFY(table.model.hasIcon(59));
+    table.model.setDuplicatedFilesInList(groups(120));
     table.view.scrollToTop();
     table.view.grab();
     QTRY_VERIFY(table.model.hasIcon(39));
@@ -206,10 +225,7 @@ void tst_ThumbnailPrefetcher::opensNoPipe()
     const TempTree tree(path(QString()));
     QVERIFY(QFile::remove(files.at(12)) && QFile::remove(files.at(13)));
     const QString pipe = tree.fifo(QStringLiteral("12.png"));
-#ifdef Q_OS_LINUX
-    const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    QVERIFY(inotify_add_watch(watch, QFile::encodeName(pipe).constData(), IN_OPEN) >= 0);
-#endif
+    const OpenWatch watch(pipe);
     Table table(files);
     table.show();
     QTRY_VERIFY(table.model.hasIcon(39));
@@ -217,12 +233,7 @@ void tst_ThumbnailPrefetcher::opensNoPipe()
     QVERIFY(table.model.iconCache.value(pipe).isNull());
     // What is not there is left to the model, which looks again.
     QVERIFY(!table.model.hasIcon(13));
-#ifdef Q_OS_LINUX
-    inotify_event event = {};
-    const ssize_t bytes = ::read(watch, &event, sizeof event);
-    ::close(watch);
-    QCOMPARE(bytes, ssize_t(-1));
-#endif
+    QVERIFY(!watch.wasOpened());
 }
 
 void tst_ThumbnailPrefetcher::remembersWhatCannotBeDecoded()
