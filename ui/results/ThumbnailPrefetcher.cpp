@@ -8,6 +8,7 @@
 #include <QMutex>
 #include <QRunnable>
 #include <QScrollBar>
+#include <QSet>
 #include <QTableView>
 #include <QThreadPool>
 
@@ -29,34 +30,50 @@ QVector<QThreadPool *> &abandonedPools()
 struct ThumbnailPrefetcher::Mailbox {
     QMutex mutex;
     ThumbnailPrefetcher *receiver;
+    /** Paths, the most urgent first. */
+    QStringList queue;
+    QSet<QString> underWay;
+    int workers = 0;
     std::atomic<bool> isClosed{false};
 };
 
-class ThumbnailPrefetcher::Decoding final : public QRunnable
+/** Takes one path after the other, so that the threads go on while the GUI thread is busy. */
+class ThumbnailPrefetcher::Worker final : public QRunnable
 {
 public:
-    Decoding(QString pathOfFile, std::shared_ptr<Mailbox> to)
-        : path(std::move(pathOfFile))
-        , mailbox(std::move(to))
+    explicit Worker(std::shared_ptr<Mailbox> to)
+        : mailbox(std::move(to))
     {
     }
 
     void run() override
     {
-        const QImage icon = PictureFile(path, &mailbox->isClosed)
-                                .readAtHeight(DuplicatedFilesTableModel::iconPixels);
-        const QMutexLocker locker(&mailbox->mutex);
+        QMutexLocker locker(&mailbox->mutex);
+        while (!mailbox->queue.isEmpty()) {
+            const QString path = mailbox->queue.takeFirst();
+            mailbox->underWay.insert(path);
+            locker.unlock();
+            const QImage icon = PictureFile(path, &mailbox->isClosed)
+                                    .readAtHeight(DuplicatedFilesTableModel::iconPixels);
+            locker.relock();
+            mailbox->underWay.remove(path);
+            send(path, icon);
+        }
+        --mailbox->workers;
+    }
+
+private:
+    void send(const QString &path, const QImage &icon)
+    {
         ThumbnailPrefetcher *const receiver = mailbox->receiver;
         if (receiver != nullptr) {
             QMetaObject::invokeMethod(
                 receiver,
-                [receiver, file = path, icon] { receiver->take(file, icon); },
+                [receiver, path, icon] { receiver->take(path, icon); },
                 Qt::QueuedConnection);
         }
     }
 
-private:
-    QString path;
     std::shared_ptr<Mailbox> mailbox;
 };
 
@@ -70,12 +87,10 @@ ThumbnailPrefetcher::ThumbnailPrefetcher(QTableView *tableView,
 {
     mailbox->receiver = this;
     threads->setMaxThreadCount(maxThreads);
-    // What is in view is painted first: it is decoded as it is asked for.
     pause.setSingleShot(true);
     pause.setInterval(0);
     connect(&pause, SIGNAL(timeout()), this, SLOT(onPauseEnded()));
     connect(view->verticalScrollBar(), SIGNAL(valueChanged(int)), this, SLOT(onScrolled(int)));
-    connect(model, SIGNAL(modelReset()), this, SLOT(onModelReset()));
     view->viewport()->installEventFilter(this);
 }
 
@@ -85,8 +100,8 @@ ThumbnailPrefetcher::~ThumbnailPrefetcher()
     {
         const QMutexLocker locker(&mailbox->mutex);
         mailbox->receiver = nullptr;
+        mailbox->queue.clear();
     }
-    threads->clear();
     if (!threads->waitForDone(maxWaitMilliseconds)) {
         abandonedPools().append(threads.release());
     }
@@ -115,7 +130,9 @@ QVector<int> ThumbnailPrefetcher::rowsToPrepare(int first, int last, bool isDown
 
 bool ThumbnailPrefetcher::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Resize || event->type() == QEvent::Show) {
+    // Whatever comes into view is painted, and decoded as it is asked for: the threads begin when that
+    // is done, and do not take the processor from it.
+    if (event->type() == QEvent::Paint) {
         pause.start();
     }
     return QObject::eventFilter(watched, event);
@@ -125,22 +142,30 @@ void ThumbnailPrefetcher::onScrolled(int value)
 {
     isDownwards = value >= lastScrollValue;
     lastScrollValue = value;
-    pause.start();
-}
-
-void ThumbnailPrefetcher::onModelReset()
-{
-    // A tick resets the model as well: what is wanted is found anew, and most of it is there.
-    wanted.clear();
-    pause.start();
 }
 
 void ThumbnailPrefetcher::onPauseEnded()
 {
-    wanted.clear();
+    const QStringList paths = pathsToPrepare();
+    const QMutexLocker locker(&mailbox->mutex);
+    mailbox->queue.clear();
+    for (const QString &path : paths) {
+        if (!mailbox->underWay.contains(path)) {
+            mailbox->queue.append(path);
+        }
+    }
+    while (mailbox->workers < qMin(maxThreads, mailbox->queue.size())) {
+        ++mailbox->workers;
+        threads->start(new Worker(mailbox));
+    }
+}
+
+QStringList ThumbnailPrefetcher::pathsToPrepare() const
+{
+    QStringList paths;
     const int rowCount = model != nullptr ? model->rowCount() : 0;
-    if (!view->isVisible() || rowCount == 0) {
-        return;
+    if (rowCount == 0) {
+        return paths;
     }
     const int first = qMax(0, view->rowAt(0));
     const int lastSeen = view->rowAt(view->viewport()->height() - 1);
@@ -148,28 +173,18 @@ void ThumbnailPrefetcher::onPauseEnded()
     const QVector<int> rows = rowsToPrepare(first, last, isDownwards, rowCount);
     for (const int row : rows) {
         const QModelIndex index = model->index(row, DuplicatedFilesTableModel::FilepathColumn);
-        wanted.append(index.data().toString());
-    }
-    startDecodings();
-}
-
-void ThumbnailPrefetcher::startDecodings()
-{
-    while (underWay.size() < maxThreads && !wanted.isEmpty()) {
-        const QString path = wanted.takeFirst();
-        // Most are there already, and the view may be faster.
-        if (!underWay.contains(path) && model->lacksIcon(path)) {
-            underWay.insert(path);
-            threads->start(new Decoding(path, mailbox));
+        const QString path = index.data().toString();
+        // A tick resets the model as well: most of them are there already.
+        if (model->lacksIcon(path)) {
+            paths.append(path);
         }
     }
+    return paths;
 }
 
 void ThumbnailPrefetcher::take(const QString &path, const QImage &icon)
 {
-    underWay.remove(path);
     if (model != nullptr) {
         model->takeIcon(path, icon);
-        startDecodings();
     }
 }

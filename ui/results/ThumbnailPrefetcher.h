@@ -4,7 +4,6 @@
 #include <QImage>
 #include <QObject>
 #include <QPointer>
-#include <QSet>
 #include <QStringList>
 #include <QTimer>
 
@@ -47,14 +46,13 @@ protected:
 
 private slots:
     void onScrolled(int value);
-    void onModelReset();
     void onPauseEnded();
 
 private:
     struct Mailbox;
-    class Decoding;
+    class Worker;
 
-    void startDecodings();
+    QStringList pathsToPrepare() const;
     void take(const QString &path, const QImage &icon);
 
     QTableView *view;
@@ -62,9 +60,6 @@ private:
     std::unique_ptr<QThreadPool> threads;
     std::shared_ptr<Mailbox> mailbox;
     QTimer pause;
-    /** Paths, the most urgent first. */
-    QStringList wanted;
-    QSet<QString> underWay;
     int lastScrollValue = 0;
     bool isDownwards = true;
 };
