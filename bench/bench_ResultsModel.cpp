@@ -4,13 +4,11 @@
 #include "app/MainWindow.h"
 #include "app/Model.h"
 #include "app/ModelEvent.h"
+#include "bench/Photos.h"
 #include "ui/results/DuplicatedFilesListWidget.h"
 #include "ui/results/DuplicatedFilesTableModel.h"
 
 #include <QApplication>
-#include <QFile>
-#include <QFileInfo>
-#include <QImage>
 #include <QRandomGenerator>
 #include <QScrollBar>
 #include <QTableView>
@@ -23,13 +21,10 @@
 #include <utility>
 
 #include <malloc.h>
-#include <unistd.h>
 
 namespace
 {
 constexpr int probes = 20000;
-constexpr int photoWidth = 4000;
-constexpr int photoHeight = 3000;
 bool withinLimits = true;
 
 void report(const char *what, double value, double limit, const char *unit)
@@ -43,11 +38,12 @@ void report(const char *what, double value, double limit, const char *unit)
                 value <= limit ? "" : "  EXCEEDED");
 }
 
-// Of the processor: whatever else runs on the machine does not count.
+// Of the processor and on this thread: neither whatever else runs on the machine counts, nor what is
+// prepared in the background.
 double processorMilliseconds()
 {
     timespec now = {};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
     return double(now.tv_sec) * 1e3 + double(now.tv_nsec) / 1e6;
 }
 
@@ -143,51 +139,10 @@ void measureFillingAndTicks()
     measure("unticking all", [&] { model.setCheckStateAll(false); });
 }
 
-QImage photo(int seed)
-{
-    QImage image(photoWidth, photoHeight, QImage::Format_RGB32);
-    QRandomGenerator random(static_cast<quint32>(seed));
-    for (int y = 0; y < photoHeight; ++y) {
-        auto *const line = reinterpret_cast<QRgb *>(image.scanLine(y));
-        for (int x = 0; x < photoWidth; ++x) {
-            const int grain = random.bounded(16);
-            line[x] = qRgb(x * 200 / photoWidth + grain, y * 200 / photoHeight + grain, 90 + grain);
-        }
-    }
-    return image;
-}
-
-// As links to a few photos: ten thousand of them would fill a disk.
-QList<QStringList> photos(const QTemporaryDir &folder, int count)
-{
-    constexpr int originals = 8;
-    for (int i = 0; i < originals; ++i) {
-        photo(i).save(folder.filePath(QStringLiteral("original%1.jpg").arg(i)), "JPEG", 85);
-    }
-    std::printf("photos of 12 megapixels, %.1f MB each\n",
-                double(QFileInfo(folder.filePath(QStringLiteral("original0.jpg"))).size()) / 1e6);
-    QList<QStringList> groups;
-    for (int i = 0; i < count; ++i) {
-        const QString original =
-            folder.filePath(QStringLiteral("original%1.jpg").arg(i % originals));
-        const QString path = folder.filePath(QStringLiteral("photo%1.jpg").arg(i));
-        if (::link(QFile::encodeName(original).constData(), QFile::encodeName(path).constData())
-            != 0) {
-            std::perror("link");
-            std::exit(2);
-        }
-        if (i % 2 == 0) {
-            groups.append(QStringList());
-        }
-        groups.last().append(path);
-    }
-    return groups;
-}
-
 void measurePage()
 {
     const QTemporaryDir folder;
-    const QList<QStringList> groups = photos(folder, 10000);
+    const QList<QStringList> groups = Photos::pairs(folder.path(), 10000);
     MainWindow window;
     Model hub(nullptr);
     DuplicatedFilesListWidget page(&hub, &window);

@@ -10,15 +10,15 @@
 #include <sys/mount.h>
 
 /**
- * A file system in memory, mounted on a new folder for as long as it lives, which only the
- * super-user can do: a test without one is to be skipped.
+ * A file system in memory, mounted on a new folder for as long as it lives. Only the super-user of
+ * Linux can mount one.
  */
 class Volume final
 {
     Q_DISABLE_COPY(Volume)
 
 public:
-    /** The options are those of mount, e.g. "size=64k". */
+    /** The options are those of tmpfs, such as "size=64k". */
     Volume(const QString &folder, const char *options)
         : tree(folder)
         , place(QFile::encodeName(folder))
@@ -32,6 +32,19 @@ public:
         }
     }
     bool isMounted() const { return mounted; }
+    bool makeReadOnly() const
+    {
+        return ::mount(nullptr, place.constData(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+    }
+    /** Takes all the room that is left. */
+    void fill() const
+    {
+        QFile filler(tree.path(QStringLiteral("filler")));
+        if (filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+            while (filler.write(QByteArray(4096, 'x')) == 4096) {
+            }
+        }
+    }
 
     const TempTree tree;
 

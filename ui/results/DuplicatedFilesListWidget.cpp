@@ -9,6 +9,7 @@
 #include "ui/results/DuplicatedFilesTableModel.h"
 #include "ui/results/FilepathDelegate.h"
 #include "ui/results/ListFile.h"
+#include "ui/results/ThumbnailPrefetcher.h"
 #include "ui/results/Trash.h"
 
 #include <QAction>
@@ -330,6 +331,7 @@ void DuplicatedFilesListWidget::createTable()
     tableView->setTabKeyNavigation(false);
     tableView->installEventFilter(this);
     tableView->viewport()->installEventFilter(this);
+    new ThumbnailPrefetcher(tableView, tableModel);
     connect(tableView->horizontalHeader(),
             &QHeaderView::sectionResized,
             this,

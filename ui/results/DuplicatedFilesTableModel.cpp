@@ -2,6 +2,7 @@
 #include "ui/results/DuplicatedFilesTableModel.h"
 
 #include "ui/results/PictureFile.h"
+#include "ui/results/PictureTip.h"
 
 #include <QColor>
 #include <QFont>
@@ -10,8 +11,6 @@
 namespace
 {
 constexpr int columns = 4;
-constexpr int iconPixels = 32;
-constexpr int toolTipPixels = 500;
 constexpr int bytesPerKilobyte = 1024;
 
 bool isEven(qint32 group)
@@ -24,23 +23,6 @@ QFont boldFont()
     QFont font;
     font.setWeight(QFont::Bold);
     return font;
-}
-
-// As the toolkit's fast scaling rounds, but never down to a picture without pixels.
-int scaledSide(int side, int otherSide)
-{
-    return qMax(1, qRound(qreal(toolTipPixels) / otherSide * side));
-}
-
-QSize toolTipSize(const QSize &size)
-{
-    if (size.width() <= toolTipPixels && size.height() <= toolTipPixels) {
-        return size;
-    }
-    if (size.height() > size.width()) {
-        return {scaledSide(size.width(), size.height()), toolTipPixels};
-    }
-    return {toolTipPixels, scaledSide(size.height(), size.width())};
 }
 
 qint64 pixelBytes(const QPixmap &pixmap)
@@ -136,6 +118,20 @@ QSize DuplicatedFilesTableModel::decorationSize(const QModelIndex &index) const
     return size.isEmpty() ? fileIcon : size;
 }
 
+bool DuplicatedFilesTableModel::lacksIcon(const QString &path) const
+{
+    return cachedIconBytes < maxCachedIconBytes && isPicture(path) && !iconCache.contains(path)
+        && !pixmapCache.contains(path);
+}
+
+void DuplicatedFilesTableModel::takeIcon(const QString &path, const QImage &icon)
+{
+    // A file that has gone may come again before it is asked for.
+    if (lacksIcon(path) && (!icon.isNull() || QFileInfo::exists(path))) {
+        rememberIcon(path, QPixmap::fromImage(icon));
+    }
+}
+
 int DuplicatedFilesTableModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : filesByGroup.size();
@@ -226,7 +222,7 @@ QPixmap DuplicatedFilesTableModel::scaledPixmapToIcon(const QString &path) const
         return *cached;
     }
     const QPixmap icon = makeIcon(path);
-    iconCache.insert(path, icon);
+    rememberIcon(path, icon);
     return icon;
 }
 
@@ -242,7 +238,8 @@ QString DuplicatedFilesTableModel::smallImageHtmlOrPath(const QString &path) con
         return path;
     }
     // The file's size of now, which need not be that of the picture that was remembered.
-    const QSize size = toolTipSize(PictureFile(path).size().expandedTo(QSize(0, 0)));
+    const QSize size = PictureFile::sizeWithin(PictureFile(path).size().expandedTo(QSize(0, 0)),
+                                               PictureTip::maxPixels);
     return QStringLiteral("<img src = \"%1\" height=%2 width=%3>")
         .arg(path, QString::number(size.height()), QString::number(size.width()));
 }
@@ -327,5 +324,14 @@ void DuplicatedFilesTableModel::remember(const QString &path, const QPixmap &pix
     if (cachedPixmapBytes + bytes <= maxCachedPixmapBytes) {
         cachedPixmapBytes += bytes;
         pixmapCache.insert(path, pixmap);
+    }
+}
+
+void DuplicatedFilesTableModel::rememberIcon(const QString &path, const QPixmap &icon) const
+{
+    const qint64 bytes = pixelBytes(icon);
+    if (cachedIconBytes + bytes <= maxCachedIconBytes) {
+        cachedIconBytes += bytes;
+        iconCache.insert(path, icon);
     }
 }

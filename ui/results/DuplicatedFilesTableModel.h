@@ -6,6 +6,7 @@
 #include <QFileIconProvider>
 #include <QFileInfo>
 #include <QHash>
+#include <QImage>
 #include <QMultiMap>
 #include <QPixmap>
 #include <QStringList>
@@ -26,6 +27,7 @@ class DuplicatedFilesTableModel : public QAbstractTableModel
 
 public:
     enum Column { CheckColumn, GroupColumn, FilepathColumn, SizeColumn };
+    static constexpr int iconPixels = 32;
 
     DuplicatedFilesTableModel();
 
@@ -40,6 +42,10 @@ public:
     QStringList selectedFiles() const;
     /** Without decoding a picture, so for any number of rows: pixels of what the row shows. */
     QSize decorationSize(const QModelIndex &index) const;
+    /** True if the file is a picture by its name, and what its icon is made of must be read first. */
+    bool lacksIcon(const QString &path) const;
+    /** Remembers an icon that was decoded elsewhere; a null one if the file is there all the same. */
+    void takeIcon(const QString &path, const QImage &icon);
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
@@ -51,7 +57,10 @@ public:
 
     /** The full-size picture; null where there is none. A null one is remembered, too. */
     QPixmap pixmapFromPath(const QString &path) const;
-    /** 32 pixels high; null where there is no picture. Remembered whatever becomes of the file. */
+    /**
+     * 32 pixels high; null where there is no picture. Remembered whatever becomes of the file; past
+     * a number of bytes it is decoded each time, and none is remembered but a null one.
+     */
     QPixmap scaledPixmapToIcon(const QString &path) const;
     /** What the desktop shows for files of that kind, at most 32 pixels. */
     QPixmap iconForFile(const QString &path) const;
@@ -73,6 +82,8 @@ protected:
     mutable QHash<QString, QPixmap> pixmapCache;
     /** Pictures past this many bytes of pixels are decoded each time that they are asked for. */
     qint64 maxCachedPixmapBytes = qint64(512) * 1024 * 1024;
+    /** The same of icons. One of a photo has 5504 or 6144 bytes of pixels, so these are 87,000 photos. */
+    qint64 maxCachedIconBytes = qint64(512) * 1024 * 1024;
 
 private:
     static bool isPicture(const QString &path);
@@ -83,10 +94,12 @@ private:
     QVariant background(int row) const;
     QPixmap makeIcon(const QString &path) const;
     void remember(const QString &path, const QPixmap &pixmap) const;
+    void rememberIcon(const QString &path, const QPixmap &icon) const;
 
     /** The row's entry in filesByGroup, and whether the row stands in checkedRows. */
     QVector<Files::const_iterator> rows;
     QBitArray isChecked;
     mutable qint64 cachedPixmapBytes = 0;
+    mutable qint64 cachedIconBytes = 0;
     QFileIconProvider iconProvider;
 };

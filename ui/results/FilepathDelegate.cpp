@@ -2,12 +2,13 @@
 #include "ui/results/FilepathDelegate.h"
 
 #include "ui/results/DuplicatedFilesTableModel.h"
+#include "ui/results/PictureTip.h"
+#include "ui/results/ToolTipText.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QHelpEvent>
 #include <QStyle>
-#include <QTextDocument>
 #include <QToolTip>
 
 FilepathDelegate::FilepathDelegate(QObject *parent)
@@ -41,21 +42,18 @@ bool FilepathDelegate::helpEvent(QHelpEvent *event,
                                  const QStyleOptionViewItem &option,
                                  const QModelIndex &index)
 {
-    if (event->type() != QEvent::ToolTip || !index.isValid()) {
+    if (event->type() != QEvent::ToolTip || !index.isValid()
+        || qobject_cast<const DuplicatedFilesTableModel *>(index.model()) == nullptr) {
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     }
-    const QString toolTip = displayedToolTip(index.data(Qt::ToolTipRole).toString(),
-                                             index.data(Qt::DisplayRole).toString());
-    QToolTip::showText(event->globalPos(), toolTip, view, view->visualRect(index));
-    event->setAccepted(!toolTip.isEmpty());
-    return event->isAccepted();
-}
-
-QString FilepathDelegate::displayedToolTip(const QString &toolTip, const QString &path)
-{
-    if (toolTip == path) {
-        return Qt::mightBeRichText(path) ? Qt::convertFromPlainText(path, Qt::WhiteSpaceNormal)
-                                         : path;
+    const QString path = index.data(Qt::DisplayRole).toString();
+    const QRect cell = view->visualRect(index);
+    // The model says whether there is a picture. The toolkit is not given its text, which names a file.
+    if (index.data(Qt::ToolTipRole).toString() == path
+        || !PictureTip::showFile(path, event->globalPos(), view->viewport(), cell)) {
+        PictureTip::hideTip();
+        QToolTip::showText(event->globalPos(), ToolTipText::ofPath(path), view, cell);
     }
-    return QString(toolTip).replace(path, path.toHtmlEscaped());
+    event->accept();
+    return true;
 }

@@ -7,7 +7,8 @@
  * The column of paths in the results table.
  *
  * A view sizes a column by up to a thousand of its rows, on screen or not; this delegate answers
- * without having their pictures decoded. Its tool tips show any file name as it reads.
+ * without having their pictures decoded. Its tool tips show the picture of the row's own file, and any
+ * file name as it reads.
  */
 class FilepathDelegate final : public QStyledItemDelegate
 {
@@ -22,7 +23,4 @@ public:
                    QAbstractItemView *view,
                    const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
-
-    /** The model's tool tip for a path, with whatever would be read as markup in the path escaped. */
-    static QString displayedToolTip(const QString &toolTip, const QString &path);
 };

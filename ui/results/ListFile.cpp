@@ -5,6 +5,11 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <cerrno>
+
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace
 {
 // A pipe or a device is no place for a list: opening one may wait for ever, and putting the finished
@@ -13,6 +18,24 @@ bool canHoldList(const QString &path)
 {
     const QFileInfo file(path);
     return !file.exists() || file.isFile();
+}
+
+// The disk may turn out to be full as late as here, on a network even when all of it was taken. Some
+// file systems have no such call.
+bool reachesDisk(QFileDevice &file)
+{
+    return file.flush() && (::fsync(file.handle()) == 0 || errno == EINVAL || errno == ENOTSUP);
+}
+
+// So that the new name outlives a power failure. Without it one of the two lists is there, and whole.
+void syncFolderOf(const QString &path)
+{
+    const QString folder = QFileInfo(QFileInfo(path).canonicalFilePath()).path();
+    const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        ::fsync(descriptor);
+        ::close(descriptor);
+    }
 }
 
 // For a file in a folder that takes no new one. What it held is put back if there is no room for all
@@ -28,7 +51,10 @@ bool writeOver(const QString &path, const QByteArray &list)
     if (old.size() != qMin<qint64>(oldSize, list.size())) {
         return false;
     }
-    if (file.seek(0) && file.write(list) == list.size() && file.resize(list.size())) {
+    // Cut last: what is behind the list could not be put back. A cut takes no room.
+    if (file.seek(0) && file.write(list) == list.size() && reachesDisk(file)
+        && file.resize(list.size())) {
+        reachesDisk(file);
         return true;
     }
     file.seek(0);
@@ -48,6 +74,11 @@ bool ListFile::write(const QString &path, const QByteArray &list)
     if (!file.open(QIODevice::WriteOnly)) {
         return writeOver(path, list);
     }
-    // A write that was cut short is no error to the toolkit.
-    return file.write(list) == list.size() && file.commit();
+    // Neither a write that was cut short nor a buffer that could not be written is an error to the
+    // toolkit when it puts the new file in the place of the old one.
+    if (file.write(list) != list.size() || !reachesDisk(file) || !file.commit()) {
+        return false;
+    }
+    syncFolderOf(path);
+    return true;
 }

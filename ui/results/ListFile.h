@@ -8,8 +8,9 @@
 namespace ListFile
 {
 /**
- * True when the file holds the whole list, and nothing else. Otherwise what was there before is
- * still there. Never waits: what is no regular file is left alone.
+ * True when the file holds the whole list on its disk, and nothing else. Otherwise what was there
+ * before is still there. Waits for the disk, but for nothing else: what is no regular file is left
+ * alone.
  */
 bool write(const QString &path, const QByteArray &list);
 } // namespace ListFile

@@ -40,7 +40,6 @@ private slots:
     void sizesAColumnWithoutDecoding();
     void isAsWideAsWhatIsPainted();
     void leavesOtherModelsToTheToolkit();
-    void escapesWhatReadsAsMarkup();
     void showsThePathAsItReads();
 };
 
@@ -94,22 +93,6 @@ void tst_FilepathDelegate::leavesOtherModelsToTheToolkit()
     const QStyledItemDelegate toolkits;
     const QStyleOptionViewItem option;
     QCOMPARE(delegate.sizeHint(option, model.index(0)), toolkits.sizeHint(option, model.index(0)));
-}
-
-void tst_FilepathDelegate::escapesWhatReadsAsMarkup()
-{
-    // Only a name that would be taken for markup is changed on its way to the screen.
-    const auto shown = FilepathDelegate::displayedToolTip;
-    const QString plain = QStringLiteral("/tmp/a & b.txt");
-    QCOMPARE(shown(plain, plain), plain);
-    const QString markup = QStringLiteral("/tmp/<b>x");
-    QVERIFY(shown(markup, markup).contains(QStringLiteral("/tmp/&lt;b&gt;x")));
-    QCOMPARE(
-        shown(QStringLiteral("<img src = \"/a.png\" height=1 width=2>"), QStringLiteral("/a.png")),
-        QStringLiteral("<img src = \"/a.png\" height=1 width=2>"));
-    QCOMPARE(shown(QStringLiteral("<img src = \"/\"><h1>.png\" height=1 width=2>"),
-                   QStringLiteral("/\"><h1>.png")),
-             QStringLiteral("<img src = \"/&quot;&gt;&lt;h1&gt;.png\" height=1 width=2>"));
 }
 
 void tst_FilepathDelegate::showsThePathAsItReads()

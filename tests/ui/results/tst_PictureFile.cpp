@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: MIT
+#include "engine/Crc32.h"
+#include "tests/support/OpenWatch.h"
 #include "tests/support/RestrictedRights.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
 #include "ui/results/PictureFile.h"
 
 #include <QBuffer>
+#include <QElapsedTimer>
 #include <QFileInfo>
+#include <QImageWriter>
 #include <QPixmap>
+
+#include <fcntl.h>
 
 namespace
 {
@@ -64,18 +70,21 @@ QByteArray widestGif()
     return gif.replace(6, 4, QByteArray::fromHex("ffffffff"));
 }
 
+QByteArray pngOf(quint32 width, quint32 height, char bits = 8)
+{
+    QByteArray header =
+        "IHDR" + bigEndian(width) + bigEndian(height) + bits + QByteArray::fromHex("02000000");
+    Crc32 crc;
+    crc.initInstance(1);
+    crc.pushData(1, header.data(), header.size());
+    return QByteArray::fromHex("89504e470d0a1a0a0000000d") + header
+        + bigEndian(crc.releaseInstance(1)) + QByteArray::fromHex("0000100049444154")
+        + QByteArray(32, '\0');
+}
+
 QByteArray widestPng()
 {
-    return QByteArray::fromHex("89504e470d0a1a0a"
-                               "0000000d"
-                               "49484452"
-                               "0000ffff"
-                               "0000ffff"
-                               "0802000000"
-                               "39674e07"
-                               "00001000"
-                               "49444154")
-        + QByteArray(32, '\0');
+    return pngOf(65535, 65535);
 }
 
 QByteArray widestBitmap()
@@ -89,13 +98,42 @@ QByteArray widestBitmap()
         + QByteArray(88, '\0');
 }
 
-QByteArray jpegOf(int side)
+QByteArray jpeg(const QImage &image, bool isProgressive = false)
 {
-    QByteArray jpeg;
-    QBuffer buffer(&jpeg);
-    gradient(QSize(16, 16)).save(&buffer, "JPEG");
-    const int frame = jpeg.indexOf(QByteArray::fromHex("ffc0"));
-    return jpeg.replace(frame + 5, 4, bigEndian(static_cast<quint32>(side)).right(2).repeated(2));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, "jpeg");
+    writer.setQuality(95);
+    writer.setProgressiveScanWrite(isProgressive);
+    writer.write(image);
+    return bytes;
+}
+
+// Announces another size than its content has.
+QByteArray jpegOf(int width, int height, bool isProgressive = false)
+{
+    QByteArray bytes = jpeg(gradient(QSize(16, 16)), isProgressive);
+    const int frame = bytes.indexOf(isProgressive ? "\xff\xc2" : "\xff\xc0");
+    return bytes.replace(frame + 5,
+                         4,
+                         bigEndian(static_cast<quint32>(height)).right(2)
+                             + bigEndian(static_cast<quint32>(width)).right(2));
+}
+
+// The last scan of the picture over and over again.
+QByteArray withScans(const QByteArray &progressive, int scans)
+{
+    const int last = progressive.lastIndexOf("\xff\xda");
+    const QByteArray scan = progressive.mid(last, progressive.lastIndexOf("\xff\xd9") - last);
+    return progressive.left(last) + scan.repeated(scans - progressive.count("\xff\xda") + 1)
+        + "\xff\xd9";
+}
+
+QByteArray segment(int bytes)
+{
+    return "\xff\xe1" + bigEndian(static_cast<quint32>(bytes)).right(2)
+        + QByteArray(bytes - 2, 'x');
 }
 } // namespace
 
@@ -109,8 +147,20 @@ private slots:
     void hasNoPictureIn_data();
     void hasNoPictureIn();
     void doesNotWaitForAPipe();
+    void takesNothingFromAPipe();
     void refusesWhatItMayNotRead();
+    void takesAPictureUpToTheLimit_data();
     void takesAPictureUpToTheLimit();
+    void decodesWholeUpToALowerLimit();
+    void takesAProgressiveJpeg();
+    void refusesEndlessScans_data();
+    void refusesEndlessScans();
+    void findsTheFrameBehindManySegments();
+    void findsTheFrameBehindStrayBytes();
+    void knowsASizeWithoutReadingOn();
+    void refusesAnIconThatAnnouncesMoreThanItsFile();
+    void looksAtTheFirstImageOfAnAnimation();
+    void givesUpOnASlowFile();
     void isNullForATornPicture();
     void takesNoNameForARatio();
     void scalesAsTheToolkitDoes();
@@ -153,13 +203,16 @@ void tst_PictureFile::hasNoPictureIn_data()
     QTest::addColumn<QByteArray>("content");
     QTest::newRow("an empty file") << QByteArray();
     QTest::newRow("a text") << QByteArray("no picture at all");
-    QTest::newRow("a head of more than 256 megapixels") << QByteArray("P4\n16001 16000\n");
+    QTest::newRow("a PNG of more than 40 megapixels") << pngOf(8001, 5000);
+    QTest::newRow("a deep PNG of more than 20 megapixels") << pngOf(5001, 4000, 16);
+    QTest::newRow("a JPEG of more than 256 megapixels") << jpegOf(16001, 16000);
+    QTest::newRow("a progressive JPEG of more than 40 megapixels") << jpegOf(8001, 5000, true);
     QTest::newRow("a PNG of 65,535 by 65,535") << widestPng();
     QTest::newRow("a BMP of 65,535 by 65,535") << widestBitmap();
     QTest::newRow("a GIF of 65,535 by 65,535") << widestGif();
-    QTest::newRow("a JPEG of 65,535 by 65,535") << jpegOf(65535);
+    QTest::newRow("a JPEG of 65,535 by 65,535") << jpegOf(65535, 65535);
     // The decoder of JPEG itself takes no longer side.
-    QTest::newRow("a JPEG of 65,500 by 65,500") << jpegOf(65500);
+    QTest::newRow("a JPEG of 65,500 by 65,500") << jpegOf(65500, 65500);
     QTest::newRow("a huge canvas around a small picture") << hugeGif();
     QTest::newRow("the head of such a canvas alone") << hugeGif().left(9);
     QTest::newRow("a huge picture in a small icon") << hugeIcon();
@@ -193,6 +246,23 @@ void tst_PictureFile::doesNotWaitForAPipe()
     }
 }
 
+void tst_PictureFile::takesNothingFromAPipe()
+{
+    // A picture that waits in a pipe is none, and stays there for whom it is meant: the pipe is not
+    // even opened, which would let its writer go on.
+    const QByteArray picture = pngOf(40, 30);
+    const QString name = TempTree(path(QString())).fifo(QStringLiteral("pipe.png"));
+    QFile pipe(name);
+    const int descriptor = ::open(QFile::encodeName(name).constData(), O_RDWR | O_NONBLOCK);
+    QVERIFY(pipe.open(descriptor, QIODevice::ReadWrite, QFile::AutoCloseHandle));
+    QCOMPARE(pipe.write(picture), qint64(picture.size()));
+    QVERIFY(pipe.flush());
+    const OpenWatch watch(name);
+    QVERIFY(!PictureFile(name).size().isValid());
+    QVERIFY(!watch.wasOpened());
+    QCOMPARE(pipe.read(picture.size()), picture);
+}
+
 void tst_PictureFile::refusesWhatItMayNotRead()
 {
     // A file that may not be read is null, even if one with a further ending lies beside it.
@@ -205,12 +275,166 @@ void tst_PictureFile::refusesWhatItMayNotRead()
     QCOMPARE(PictureFile(path(QStringLiteral("a.png.png"))).size(), QSize(8, 8));
 }
 
+void tst_PictureFile::takesAPictureUpToTheLimit_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("PNG") << pngOf(8000, 5000) << QSize(8000, 5000);
+    QTest::newRow("deep PNG") << pngOf(5000, 4000, 16) << QSize(5000, 4000);
+    QTest::newRow("JPEG") << jpegOf(16000, 16000) << QSize(16000, 16000);
+    QTest::newRow("progressive JPEG") << jpegOf(8000, 5000, true) << QSize(8000, 5000);
+}
+
 void tst_PictureFile::takesAPictureUpToTheLimit()
 {
-    // 256 megapixels are 256,000,000 pixels, and that many are still a picture.
+    // 40 megapixels are 40,000,000 pixels; of what can be decoded at a reduced size it may be more.
+    QFETCH(QByteArray, content);
+    QFETCH(QSize, size);
+    const QString name = TempTree(path(QString())).file(QStringLiteral("large.png"), content);
+    QCOMPARE(PictureFile(name).size(), size);
+}
+
+void tst_PictureFile::decodesWholeUpToALowerLimit()
+{
+    // A photo beyond 128 megapixels has an icon, but is not decoded as a whole.
+    allowMessages(QRegularExpression(QStringLiteral("^Corrupt JPEG data: premature end")));
     const TempTree tree(path(QString()));
-    const QString name = tree.file(QStringLiteral("large.png"), "P4\n16000 16000\n");
-    QCOMPARE(PictureFile(name).size(), QSize(16000, 16000));
+    const QString name = tree.file(QStringLiteral("a.jpg"), jpegOf(16000, 8001));
+    QCOMPARE(PictureFile(name).readAtHeight(32).size(), QSize(64, 32));
+    QVERIFY(PictureFile(name).read().isNull());
+    const QString other = tree.file(QStringLiteral("b.jpg"), jpegOf(9000, 5000));
+    QCOMPARE(PictureFile(other).read().size(), QSize(9000, 5000));
+}
+
+void tst_PictureFile::takesAProgressiveJpeg()
+{
+    // A photo that comes in several scans is one as any other.
+    const QImage image = gradient(QSize(640, 480));
+    const TempTree tree(path(QString()));
+    const QString name = tree.file(QStringLiteral("a.jpg"), jpeg(image, true));
+    QCOMPARE(PictureFile(name).size(), image.size());
+    QCOMPARE(PictureFile(name).read().size(), image.size());
+    const QImage icon = PictureFile(name).readAtHeight(32);
+    QCOMPARE(icon.size(), QSize(43, 32));
+    QVERIFY(qAbs(icon.pixelColor(40, 16).red() - 240) < 12);
+    // The scans of pictures behind its end are none of its own.
+    const QByteArray content = jpeg(image, true);
+    tree.file(QStringLiteral("a.jpg"), content.repeated(5));
+    QCOMPARE(PictureFile(name).readAtHeight(32), icon);
+}
+
+void tst_PictureFile::refusesEndlessScans_data()
+{
+    QTest::addColumn<int>("scans");
+    QTest::addColumn<QByteArray>("between");
+    QTest::addColumn<bool>("isPicture");
+    QTest::newRow("32 scans") << 32 << QByteArray() << true;
+    QTest::newRow("33 scans") << 33 << QByteArray() << false;
+    QTest::newRow("1000 scans") << 1000 << QByteArray() << false;
+    QTest::newRow("33 scans behind an end in a comment")
+        << 33 << QByteArray("\xff\xfe\x00\x06\xff\xd9\xff\xd9", 8) << false;
+}
+
+void tst_PictureFile::refusesEndlessScans()
+{
+    // Each scan goes through the whole picture, so a small file with many of them is none.
+    QFETCH(int, scans);
+    QFETCH(QByteArray, between);
+    QFETCH(bool, isPicture);
+    allowMessages(QRegularExpression(QStringLiteral("^(Corrupt JPEG data|Inconsistent prog)")));
+    QByteArray content = withScans(jpeg(gradient(QSize(64, 64)), true), scans);
+    content.insert(content.lastIndexOf("\xff\xda"), between);
+    const QString name = TempTree(path(QString())).file(QStringLiteral("a.jpg"), content);
+    QCOMPARE(PictureFile(name).readAtHeight(32).isNull(), !isPicture);
+    QCOMPARE(PictureFile(name).read().isNull(), !isPicture);
+}
+
+void tst_PictureFile::findsTheFrameBehindManySegments()
+{
+    // Megabytes of what a camera notes may stand before the picture.
+    const QByteArray small = jpeg(gradient(QSize(40, 30)));
+    QByteArray segments;
+    for (int i = 0; i < 100; ++i) {
+        segments += segment(60000);
+    }
+    const QString name =
+        TempTree(path(QString()))
+            .file(QStringLiteral("a.jpg"), small.left(2) + segments + small.mid(2));
+    QCOMPARE(PictureFile(name).size(), QSize(40, 30));
+    QCOMPARE(PictureFile(name).readAtHeight(32).size(), QSize(43, 32));
+}
+
+void tst_PictureFile::findsTheFrameBehindStrayBytes()
+{
+    // What is out of place between two segments is passed over, as the decoder does.
+    allowMessages(QRegularExpression(QStringLiteral("^Corrupt JPEG data: .* extraneous bytes")));
+    const QByteArray small = jpeg(gradient(QSize(40, 30)));
+    const QByteArray stray = QByteArray(300, 'x') + QByteArray("\xff\x00", 2) + "\xff\xff";
+    const QString name = TempTree(path(QString()))
+                             .file(QStringLiteral("a.jpg"), small.left(20) + stray + small.mid(20));
+    QCOMPARE(PictureFile(name).size(), QSize(40, 30));
+    QCOMPARE(PictureFile(name).read().size(), QSize(40, 30));
+}
+
+void tst_PictureFile::knowsASizeWithoutReadingOn()
+{
+    // The size of a picture with gigabytes of notes in it costs no more than that of any other.
+    const TempTree tree(path(QString()));
+    const QByteArray header = pngOf(40, 30).left(33) + bigEndian(0x7fffffff) + "prVt";
+    const QByteArray small = jpeg(gradient(QSize(40, 30)));
+    const QByteArray endless = small.left(2) + segment(65535).repeated(600) + small.mid(2);
+    for (const QByteArray &content : {header, endless}) {
+        const QString name = tree.file(QStringLiteral("a.png"), content);
+        QVERIFY(QFile::resize(name, qint64(50) << 30));
+        QElapsedTimer timer;
+        timer.start();
+        const QSize size = PictureFile(name).size();
+        QVERIFY(timer.elapsed() < 500);
+        QCOMPARE(size, content == header ? QSize(40, 30) : QSize());
+        QVERIFY(PictureFile(name).read().isNull());
+    }
+}
+
+void tst_PictureFile::refusesAnIconThatAnnouncesMoreThanItsFile()
+{
+    // The decoder would make room for gigabytes that are not there.
+    const QString name = path(QStringLiteral("a.ico"));
+    QVERIFY(gradient(QSize(16, 16)).save(name, "ICO"));
+    QByteArray icon = TempTree::read(name);
+    icon.replace(14, 4, QByteArray::fromHex("ffffff7f"));
+    TempTree(path(QString())).file(QStringLiteral("a.ico"), icon);
+    QVERIFY(!PictureFile(name).size().isValid());
+    QVERIFY(PictureFile(name).read().isNull());
+}
+
+void tst_PictureFile::looksAtTheFirstImageOfAnAnimation()
+{
+    // However long an animation is, its size is that of the first image, and known at once.
+    QByteArray gif = hugeGif();
+    gif.replace(6, 4, QByteArray::fromHex("02000300"));
+    const QString name = TempTree(path(QString())).file(QStringLiteral("a.gif"), gif);
+    QVERIFY(QFile::resize(name, qint64(50) << 30));
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(PictureFile(name).size(), QSize(2, 3));
+    QVERIFY(timer.elapsed() < 1000);
+    QCOMPARE(PictureFile(name).read().size(), QSize(2, 3));
+}
+
+void tst_PictureFile::givesUpOnASlowFile()
+{
+    // What can be read is read while there is time; then every read fails, and says why.
+    const QString name = TempTree(path(QString())).file(QStringLiteral("a"), QByteArray(99, 'x'));
+    TimedFile patient(60000);
+    QVERIFY(patient.openFile(name));
+    QCOMPARE(patient.readAll().size(), 99);
+    QVERIFY(!patient.isLate());
+    TimedFile hurried(0);
+    QVERIFY(hurried.openFile(name));
+    while (hurried.seek(0) && hurried.read(1).size() == 1) {
+    }
+    QVERIFY(hurried.isLate());
+    QCOMPARE(hurried.read(1), QByteArray());
 }
 
 void tst_PictureFile::isNullForATornPicture()

@@ -72,6 +72,7 @@ private slots:
     void savesUnderANameOfAnyLength();
     void replacesTheOldList();
     void writesAFileInAClosedFolder();
+    void keepsTheOldListIfTheNewOneIsCutShort_data();
     void keepsTheOldListIfTheNewOneIsCutShort();
     void keepsTheOldListInAClosedFolderIfTheNewOneIsCutShort();
     void leavesAFolderAlone();
@@ -488,16 +489,28 @@ void tst_ResultsActions::writesAFileInAClosedFolder()
     QCOMPARE(TempTree::read(file), QByteArray("1;/a;0\r\n"));
 }
 
+void tst_ResultsActions::keepsTheOldListIfTheNewOneIsCutShort_data()
+{
+    QTest::addColumn<QStringList>("group");
+    QTest::addColumn<int>("bytes");
+    QTest::newRow("a long list") << longGroup() << 20000;
+    // Shorter than the toolkit's buffer, which hides what it could not write.
+    QTest::newRow("a short list") << QStringList(longGroup().mid(0, 20)) << 100;
+    QTest::newRow("a short list without any room") << QStringList(longGroup().mid(0, 20)) << 0;
+}
+
 void tst_ResultsActions::keepsTheOldListIfTheNewOneIsCutShort()
 {
     // A list for which there is no room is not called saved, and the old one is still whole.
+    QFETCH(QStringList, group);
+    QFETCH(int, bytes);
     ResultsPage results;
-    results.scanned({longGroup()});
+    results.scanned({group});
     const TempTree tree(path(QString()));
     const QString file = tree.file(QStringLiteral("list.txt"), "old");
     expectOverwriting(&results, file);
     {
-        const SmallFiles limit(20000);
+        const SmallFiles limit(static_cast<rlim_t>(bytes));
         results.press(QStringLiteral("Save List"));
     }
     QCOMPARE(results.boxes.failures(), QStringList());

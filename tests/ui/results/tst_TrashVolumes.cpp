@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
+#include "tests/support/Volume.h"
 #include "ui/results/Trash.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-#include <sched.h>
-#include <sys/mount.h>
 #include <unistd.h>
 
 /** Moves files to the trash of a small volume of their own, which only the super-user can mount. */
@@ -33,49 +32,6 @@ private:
 
 namespace
 {
-// No other process sees what is mounted from then on, and it goes with this one. In a changed root
-// that is no mount point others may see it until it is unmounted.
-bool ownsMounts()
-{
-    static const bool isOwner = [] {
-        const bool isAlone = ::unshare(CLONE_NEWNS) == 0;
-        ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
-        return isAlone;
-    }();
-    return isOwner;
-}
-
-/** A file system in memory, mounted on a new folder for as long as it lives. */
-class Volume final
-{
-    Q_DISABLE_COPY(Volume)
-
-public:
-    Volume(const QString &folder, const char *options)
-        : tree(folder)
-        , place(QFile::encodeName(folder))
-        , mounted(ownsMounts() && ::mount("tmpfs", place.constData(), "tmpfs", 0, options) == 0)
-    {
-    }
-    ~Volume()
-    {
-        if (mounted && ::umount2(place.constData(), MNT_DETACH) != 0) {
-            qFatal("cannot unmount %s", place.constData());
-        }
-    }
-    bool isMounted() const { return mounted; }
-    bool makeReadOnly() const
-    {
-        return ::mount(nullptr, place.constData(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0;
-    }
-
-    const TempTree tree;
-
-private:
-    QByteArray place;
-    bool mounted;
-};
-
 const QString user = QString::number(::geteuid());
 const QString ownTrash = QStringLiteral(".Trash-") + user;
 
@@ -185,11 +141,7 @@ void tst_TrashVolumes::fileStaysOnAFullVolume()
         volume.tree.folder(ownTrash + QStringLiteral("/files"));
         volume.tree.folder(ownTrash + QStringLiteral("/info"));
     }
-    QFile filler(volume.tree.path(QStringLiteral("filler")));
-    if (filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        while (filler.write(QByteArray(4096, 'x')) == 4096) {
-        }
-    }
+    volume.fill();
     QVERIFY(!Trash::moveFile(file));
     QCOMPARE(TempTree::read(file), QByteArray("content"));
     QCOMPARE(namesIn(volume.tree.path(ownTrash + QStringLiteral("/files"))), QStringList());
