@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ui/results/DeletionPlan.h"
 
+#include <QPair>
+
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 DeletionPlan::DeletionPlan(const QList<QStringList> &shownGroups,
@@ -115,27 +118,26 @@ void DeletionPlan::findSets()
 
 DeletionPlan::Search &DeletionPlan::searchIn(int set)
 {
-    const auto known = searches.find(set);
-    if (known != searches.end()) {
-        return *known;
+    Search &search = searches[set];
+    if (search.isPrepared) {
+        return search;
     }
-    Search search;
+    search.isPrepared = true;
+    QVector<QPair<int, int>> ticked; // the order in the deletion, then the member
     const QVector<ScannedFile> &files = findings.exactGroups.at(set);
-    const auto tickOfMember = [this, &files](int member) {
-        return tickOf.constFind(files.at(member).path);
-    };
     for (int member = 0; member < files.size(); ++member) {
-        const auto tick = tickOfMember(member);
+        const auto tick = tickOf.constFind(files.at(member).path);
         if (tick == tickOf.constEnd()) {
             search.unticked.append(member);
         } else if (!tick->isAskedFor) {
-            search.ticked.append(member);
+            ticked.append({tick->order, member});
         }
     }
-    std::sort(search.ticked.begin(), search.ticked.end(), [&tickOfMember](int a, int b) {
-        return tickOfMember(a)->order > tickOfMember(b)->order;
-    });
-    return *searches.insert(set, search);
+    std::sort(ticked.begin(), ticked.end(), std::greater<>());
+    for (const auto &place : qAsConst(ticked)) {
+        search.ticked.append(place.second);
+    }
+    return search;
 }
 
 DeletionPlan::Verdict DeletionPlan::verdictByCopies(const QString &path,

@@ -93,6 +93,7 @@ private:
     };
     /** The search for copies that stay, of one set of the findings. */
     struct Search {
+        bool isPrepared = false;
         QVector<int> unticked; // members in the order of the set
         QVector<int> ticked; // members, the last one of the deletion first
         int nextUnticked = 0;

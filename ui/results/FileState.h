@@ -24,10 +24,11 @@ struct FileState {
     qint64 modified = 0; // nanoseconds since 1970 (UTC)
     quint64 links = 0; // names that the file has, on its whole volume
     FileIdentity file;
-    FileIdentity folder; // of the folder that its path ends in, links followed
-    QByteArray name; // in that folder
+    /** Of a file with several names, which of them this is: the folder, links followed, and the name. */
+    FileIdentity folder;
+    QByteArray name;
 
-    /** Two calls of the system; all but exists is meaningless where there is nothing. */
+    /** A call of the system or two; all but exists is meaningless where there is nothing. */
     static FileState of(const QString &path);
 
     /**

@@ -24,28 +24,33 @@ FileIdentity identityOf(const struct stat &status)
 
 FileState FileState::of(const QString &path)
 {
-    const QByteArray name = QFile::encodeName(path);
-    const int slash = name.lastIndexOf('/');
+    const QByteArray whole = QFile::encodeName(path);
     struct stat status = {};
-    struct stat folder = {};
-    if (slash < 0 || ::lstat(name.constData(), &status) != 0
-        || ::stat(name.left(slash + 1).constData(), &folder) != 0) {
+    if (::lstat(whole.constData(), &status) != 0) {
         return {};
     }
-    return {true,
-            S_ISREG(status.st_mode),
-            status.st_size,
-            FileTime::modified(status),
-            static_cast<quint64>(status.st_nlink),
-            identityOf(status),
-            identityOf(folder),
-            name.mid(slash + 1)};
+    FileState state = {true,
+                       S_ISREG(status.st_mode),
+                       status.st_size,
+                       FileTime::modified(status),
+                       static_cast<quint64>(status.st_nlink),
+                       identityOf(status),
+                       {},
+                       {}};
+    if (state.links > 1) {
+        const int slash = whole.lastIndexOf('/');
+        state.name = whole.mid(slash + 1);
+        if (::stat(whole.left(slash + 1).constData(), &status) == 0) {
+            state.folder = identityOf(status);
+        }
+    }
+    return state;
 }
 
 bool FileState::isSameEntryAs(const FileState &other) const
 {
-    return (folder == other.folder && name == other.name)
-        || (file == other.file && (links <= 1 || other.links <= 1));
+    return file == other.file
+        && (links <= 1 || other.links <= 1 || (folder == other.folder && name == other.name));
 }
 
 bool FileState::isSameFileAs(const FileState &other) const

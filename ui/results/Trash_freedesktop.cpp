@@ -188,11 +188,11 @@ bool hasArrived(const MovedFile &file, int folder, const QByteArray &name)
         && errno == ENOENT;
 }
 
-// By what the held file is now: there are file systems that number a file anew when it is renamed.
+// Also by what the held file is now: there are file systems that number a file anew when it is renamed.
 bool isTheOneSeen(const MovedFile &file, int folder, const QByteArray &name)
 {
     struct stat now = {};
-    return !file.seen.isOpen()
+    return !file.seen.isOpen() || isFileIn(folder, name, file.status)
         || (::fstat(file.seen.get(), &now) == 0 && isFileIn(folder, name, now));
 }
 
@@ -277,13 +277,25 @@ QString topFolderOfAnotherVolume(const Descriptor &folder,
     return topFolder == QStorageInfo(dataFolder).rootPath() ? QString() : topFolder;
 }
 
-bool isSeenFile(const MovedFile &file, const FileState &seen)
+bool isSeenFile(const struct stat &status, const FileState &seen)
 {
-    struct stat held = {};
-    return seen.isRegular && ::fstat(file.seen.get(), &held) == 0 && S_ISREG(held.st_mode)
-        && static_cast<quint64>(held.st_dev) == seen.file.device
-        && static_cast<quint64>(held.st_ino) == seen.file.inode && held.st_size == seen.size
-        && FileTime::modified(held) == seen.modified;
+    return seen.isRegular && S_ISREG(status.st_mode)
+        && static_cast<quint64>(status.st_dev) == seen.file.device
+        && static_cast<quint64>(status.st_ino) == seen.file.inode && status.st_size == seen.size
+        && FileTime::modified(status) == seen.modified;
+}
+
+// False where there is none, or another one than the one that was seen.
+bool lookAt(MovedFile *file, const FileState *seen)
+{
+    if (seen != nullptr) {
+        return ::fstat(file->seen.get(), &file->status) == 0 && isSeenFile(file->status, *seen);
+    }
+    return ::fstatat(file->folder.get(),
+                     file->name.constData(),
+                     &file->status,
+                     AT_SYMLINK_NOFOLLOW)
+        == 0;
 }
 } // namespace
 
@@ -297,9 +309,7 @@ bool Trash::moveFile(const QString &path, const FileState *seen)
         seen != nullptr ? ::openat(folder.get(), name.constData(), openToHold | O_NOFOLLOW) : -1);
     MovedFile file = {folder, name, {}, {}, held};
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    if (::fstatat(folder.get(), name.constData(), &file.status, AT_SYMLINK_NOFOLLOW) != 0
-        || (seen != nullptr && !isSeenFile(file, *seen)) || !QDir::isAbsolutePath(data)
-        || !QDir().mkpath(data)) {
+    if (!lookAt(&file, seen) || !QDir::isAbsolutePath(data) || !QDir().mkpath(data)) {
         return false;
     }
     const Descriptor place(
