@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/OwnMounts.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
 #include "ui/results/Trash.h"
@@ -6,7 +7,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
@@ -33,18 +33,6 @@ private:
 
 namespace
 {
-// No other process sees what is mounted from then on, and it goes with this one. In a changed root
-// that is no mount point others may see it until it is unmounted.
-bool ownsMounts()
-{
-    static const bool isOwner = [] {
-        const bool isAlone = ::unshare(CLONE_NEWNS) == 0;
-        ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
-        return isAlone;
-    }();
-    return isOwner;
-}
-
 /** A file system in memory, mounted on a new folder for as long as it lives. */
 class Volume final
 {
