@@ -44,7 +44,7 @@ DeletionPlan::Decision DeletionPlan::decide(const QString &path)
     if (!isAsScanned(file, memberOf(tick->set, tick->member))) {
         return {Verdict::Changed, {}};
     }
-    return {tick->mustStay ? Verdict::OnlyCopy : verdictByCopies(path, *tick, file), file};
+    return {verdictByCopies(path, *tick, file), file};
 }
 
 bool DeletionPlan::isLastOfItsContent(const QString &path) const
@@ -53,7 +53,9 @@ bool DeletionPlan::isLastOfItsContent(const QString &path) const
     if (!file.exists) {
         return false;
     }
-    const auto isFile = [&path](const ScannedFile &scanned) { return scanned.path == path; };
+    const auto isFile = [&path](const ScannedFile &scanned) {
+        return scanned.path == path;
+    };
     for (const QVector<ScannedFile> &set : findings.exactGroups) {
         const auto own = std::find_if(set.begin(), set.end(), isFile);
         if (own != set.end()) {
@@ -151,7 +153,8 @@ DeletionPlan::Verdict DeletionPlan::verdictByCopies(const QString &path,
         if (copy.tick != nullptr && isFileKept) {
             break;
         }
-        if (copy.tick != nullptr && !copy.tick->mustStay && copy.tick->order <= tick.order) {
+        // What has become of a ticked file at its own turn is not known here.
+        if (copy.tick != nullptr && copy.tick->order <= tick.order) {
             ++i;
             continue;
         }
@@ -164,9 +167,6 @@ DeletionPlan::Verdict DeletionPlan::verdictByCopies(const QString &path,
         if (!isFile && !haveSameContent(path, memberOf(tick.set, copy.member).path)) {
             continue;
         }
-        if (copy.tick != nullptr) {
-            copy.tick->mustStay = true;
-        }
         if (!isFile) {
             return Verdict::TakeWhatWasSeen;
         }
@@ -175,7 +175,6 @@ DeletionPlan::Verdict DeletionPlan::verdictByCopies(const QString &path,
     return isFileKept ? Verdict::SameFile : Verdict::OnlyCopy;
 }
 
-// A ticked file counts only before its own turn: what has become of it then is not known here.
 bool DeletionPlan::findCopy(Search *search, const Tick &tick)
 {
     const QVector<ScannedFile> &files = findings.exactGroups.at(tick.set);
@@ -187,7 +186,7 @@ bool DeletionPlan::findCopy(Search *search, const Tick &tick)
         return false;
     }
     const int member = search->ticked.at(search->nextTicked);
-    Tick &last = *tickOf.find(files.at(member).path);
+    const Tick &last = *tickOf.constFind(files.at(member).path);
     if (last.order <= tick.order) {
         return false;
     }
@@ -203,7 +202,9 @@ bool DeletionPlan::isCopyThere(Search *search, int index, const Tick &tick) cons
     const ScannedFile &scanned = memberOf(tick.set, copy.member);
     const bool isNew = !copy.seen.exists;
     copy.seen = senses.look(scanned.path);
-    const auto isKnown = [&copy](const Copy &other) { return other.seen.isSameEntryAs(copy.seen); };
+    const auto isKnown = [&copy](const Copy &other) {
+        return other.seen.isSameEntryAs(copy.seen);
+    };
     const auto end = search->found.cbegin() + index;
     return isAsScanned(copy.seen, scanned)
         && !(isNew && std::any_of(search->found.cbegin(), end, isKnown));

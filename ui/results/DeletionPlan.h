@@ -83,12 +83,11 @@ private:
         int set = -1; // in the findings, with the place of the file in it; -1 for none
         int member = -1;
         bool isAskedFor = true; // every row of its group is ticked
-        bool mustStay = false; // others have gone because this one stays
     };
     /** A file that may be the copy that stays. */
     struct Copy {
         int member;
-        Tick *tick; // null where it is not ticked
+        const Tick *tick; // null where it is not ticked
         FileState seen;
     };
     /** The search for copies that stay, of one set of the findings. */

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ui/results/FileState.h"
-
 #include "engine/FileTime_posix.h"
 #include "engine/RegularFile.h"
+#include "ui/results/FileState.h"
 
 #include <QFile>
 
@@ -72,9 +71,7 @@ bool FileState::haveSameBytes(const QString &a, const QString &b)
         const qint64 bytes = std::min(left, blockBytes);
         if (fileA.read(buffer.get(), bytes) != bytes
             || fileB.read(buffer.get() + blockBytes, bytes) != bytes
-            || std::memcmp(buffer.get(),
-                           buffer.get() + blockBytes,
-                           static_cast<std::size_t>(bytes))
+            || std::memcmp(buffer.get(), buffer.get() + blockBytes, static_cast<std::size_t>(bytes))
                 != 0) {
             return false;
         }

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ui/results/Trash.h"
-
 #include "engine/FileTime_posix.h"
 #include "ui/results/FileState.h"
+#include "ui/results/Trash.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -291,10 +290,7 @@ bool lookAt(MovedFile *file, const FileState *seen)
     if (seen != nullptr) {
         return ::fstat(file->seen.get(), &file->status) == 0 && isSeenFile(file->status, *seen);
     }
-    return ::fstatat(file->folder.get(),
-                     file->name.constData(),
-                     &file->status,
-                     AT_SYMLINK_NOFOLLOW)
+    return ::fstatat(file->folder.get(), file->name.constData(), &file->status, AT_SYMLINK_NOFOLLOW)
         == 0;
 }
 } // namespace
@@ -322,8 +318,7 @@ bool Trash::moveFile(const QString &path, const FileState *seen)
     }
     const Descriptor trash(openTrashOfVolume(otherVolume));
     // The note is relative to the volume, which may be mounted elsewhere the next time.
-    const QString moved =
-        canonicalFolderOf(path) % QLatin1Char('/') % QFileInfo(path).fileName();
+    const QString moved = canonicalFolderOf(path) % QLatin1Char('/') % QFileInfo(path).fileName();
     file.note = noteOf(QFile::encodeName(QDir(otherVolume).relativeFilePath(moved)));
     return moveInto(trash.get(), file);
 }

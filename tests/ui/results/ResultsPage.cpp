@@ -193,8 +193,13 @@ void ResultsPage::expectBox(QMessageBox::Icon icon,
     boxes.expect(
         title,
         [=](QWidget *widget) {
-            return wrongWith(
-                qobject_cast<QMessageBox *>(widget), icon, title, text, format, more, details);
+            return wrongWith(qobject_cast<QMessageBox *>(widget),
+                             icon,
+                             title,
+                             text,
+                             format,
+                             more,
+                             details);
         },
         [=](QWidget *widget) {
             QTest::mouseClick(qobject_cast<QMessageBox *>(widget)->button(answer), Qt::LeftButton);

@@ -26,7 +26,10 @@ public:
         files[path] = {true, true, bytes, timeOfScan, 1, {1, nextInode++}, {}, {}};
     }
     /** The same entry, through a link to its folder or a second mount of it. */
-    void addOtherPath(const QString &path, const QString &known) { files[path] = files.value(known); }
+    void addOtherPath(const QString &path, const QString &known)
+    {
+        files[path] = files.value(known);
+    }
     /** Another name of the file, which has two of them. */
     void addHardLink(const QString &path, const QString &known)
     {
@@ -125,20 +128,21 @@ ScanFindings findingsOf(const QList<QStringList> &groups, const QList<QStringLis
 
 QString nameOf(Verdict verdict)
 {
-    static const QMap<Verdict, QString> names = {
-        {Verdict::Take, QStringLiteral("asked for")},
-        {Verdict::TakeWhatWasSeen, QStringLiteral("goes")},
-        {Verdict::Missing, QStringLiteral("missing")},
-        {Verdict::OnlyCopy, QStringLiteral("only copy")},
-        {Verdict::Changed, QStringLiteral("changed")},
-        {Verdict::SameFile, QStringLiteral("same file")}};
+    static const QMap<Verdict, QString> names = {{Verdict::Take, QStringLiteral("asked for")},
+                                                 {Verdict::TakeWhatWasSeen, QStringLiteral("goes")},
+                                                 {Verdict::Missing, QStringLiteral("missing")},
+                                                 {Verdict::OnlyCopy, QStringLiteral("only copy")},
+                                                 {Verdict::Changed, QStringLiteral("changed")},
+                                                 {Verdict::SameFile, QStringLiteral("same file")}};
     return names.value(verdict);
 }
 
 DeletionPlan::Senses sensesOf(const Disk &disk)
 {
     return {[&disk](const QString &path) { return disk.look(path); },
-            [&disk](const QString &a, const QString &b) { return disk.haveSameBytes(a, b); }};
+            [&disk](const QString &a, const QString &b) {
+                return disk.haveSameBytes(a, b);
+            }};
 }
 
 /** Deletes what may go, and tells of each ticked file what became of it. */
@@ -167,7 +171,8 @@ struct Case {
     /** Empty for the ticks of a scan. */
     const char *ticked;
     const char *told;
-    std::function<void(Disk &)> change = [](Disk &) {};
+    std::function<void(Disk &)> change = [](Disk &) {
+    };
     bool areContentsProven = true;
 };
 } // namespace
@@ -199,40 +204,88 @@ QList<Case> tst_DeletionPlan::cases()
 {
     return {
         {"copies of one content", "A1 A2 A3", "A1 A2 A3", "", "A2 goes|A1 goes"},
-        {"two contents, the other one's copy shown last", "A1 A2 B2", "A1 A2|B1 B2", "",
+        {"two contents, the other one's copy shown last",
+         "A1 A2 B2",
+         "A1 A2|B1 B2",
+         "",
          "A2 goes|A1 only copy"},
         {"two contents, in the other order", "B2 A1 A2", "A1 A2|B1 B2", "", "A1 goes|B2 goes"},
         {"ticked in the other order", "A1 A2 B2", "A1 A2|B1 B2", "A1 A2", "A1 goes|A2 only copy"},
-        {"three contents in one group", "A1 A2 B2 B3 C2", "A1 A2|B1 B2 B3|C1 C2", "",
+        {"three contents in one group",
+         "A1 A2 B2 B3 C2",
+         "A1 A2|B1 B2 B3|C1 C2",
+         "",
          "B3 goes|B2 goes|A2 goes|A1 only copy"},
-        {"three contents, none of which is shown whole", "A1 A2 B1 B2 C1 C2", "A1 A2|B1 B2|C1 C2",
-         "", "C1 goes|B2 goes|B1 only copy|A2 goes|A1 only copy"},
+        {"three contents, none of which is shown whole",
+         "A1 A2 B1 B2 C1 C2",
+         "A1 A2|B1 B2|C1 C2",
+         "",
+         "C1 goes|B2 goes|B1 only copy|A2 goes|A1 only copy"},
         {"a file without a copy among others", "X1 A1 A2", "A1 A2", "", "A1 goes|X1 only copy"},
         {"a file of no set in a group of its own", "X1 Y1", "", "", "X1 only copy"},
-        {"every row ticked", "A1 A2 B2", "A1 A2|B1 B2", "A1 A2 B2",
+        {"every row ticked",
+         "A1 A2 B2",
+         "A1 A2|B1 B2",
+         "A1 A2 B2",
          "A1 asked for|A2 asked for|B2 asked for"},
-        {"every row of one group ticked", "A1 A2|B1 B2", "A1 A2|B1 B2", "A1 A2 B1",
+        {"every row of one group ticked",
+         "A1 A2|B1 B2",
+         "A1 A2|B1 B2",
+         "A1 A2 B1",
          "A1 asked for|A2 asked for|B1 goes"},
         {"the top row ticked, another not", "A1 A2 A3", "A1 A2 A3", "A3 A2", "A3 goes|A2 goes"},
-        {"all of a content ticked by hand", "A1 A2 B2", "A1 A2|B1 B2", "B2 A2 A1",
+        {"all of a content ticked by hand",
+         "A1 A2 B2",
+         "A1 A2|B1 B2",
+         "B2 A2 A1",
          "B2 asked for|A2 asked for|A1 asked for"},
-        {"all of a content but not of the group", "A1 A2 B1 B2", "A1 A2|B1 B2", "B2 A2 B1 A1",
+        {"all of a content but not of the group",
+         "A1 A2 B1 B2",
+         "A1 A2|B1 B2",
+         "B2 A2 B1 A1",
          "B2 asked for|A2 asked for|B1 asked for|A1 asked for"},
         {"a copy that a stop has kept from the rows", "A1 A2", "A1 A2 A3", "", "A1 goes"},
         {"a set that a stop has cut short", "A1 A2 A3", "A1 A2", "", "A2 goes|A1 only copy"},
         {"rows that a stop has left without a set", "A1 A2", "", "", "A1 only copy"},
         {"one path in two rows", "A1 A1", "A1 A1", "A1", "A1 only copy"},
-        {"one content in two groups, one of them ticked whole", "A1 A2|A3 A4", "A1 A2 A3 A4",
-         "A1 A3 A4 A2", "A1 asked for|A3 asked for|A4 asked for|A2 asked for"},
-        {"no copy in a group that goes whole", "A1 B2|A2 A3", "A1 A2 A3|B1 B2", "A1 A2 A3",
+        {"one content in two groups, one of them ticked whole",
+         "A1 A2|A3 A4",
+         "A1 A2 A3 A4",
+         "A1 A3 A4 A2",
+         "A1 asked for|A3 asked for|A4 asked for|A2 asked for"},
+        {"no copy in a group that goes whole",
+         "A1 B2|A2 A3",
+         "A1 A2 A3|B1 B2",
+         "A1 A2 A3",
          "A1 only copy|A2 asked for|A3 asked for"},
-        {"different files of one short checksum", "A1 A2 B1", "A1 A2 B1", "",
-         "A2 goes|A1 only copy", [](Disk &) {}, false},
-        {"two contents of one short checksum, interleaved", "A1 B1 A2 B2 A3 B3",
-         "A1 B1 A2 B2 A3 B3", "A1 B1 A2 B2 A3",
-         "A1 goes|B1 goes|A2 goes|B2 goes|A3 only copy", [](Disk &) {}, false},
-        {"copies of one short checksum", "A1 A2 A3", "A1 A2 A3", "", "A2 goes|A1 goes",
-         [](Disk &) {}, false},
+        {"different files of one short checksum",
+         "A1 A2 B1",
+         "A1 A2 B1",
+         "",
+         "A2 goes|A1 only copy",
+         [](Disk &) {},
+         false},
+        {"two contents of one short checksum, interleaved",
+         "A1 B1 A2 B2 A3 B3",
+         "A1 B1 A2 B2 A3 B3",
+         "A1 B1 A2 B2 A3",
+         "A1 goes|B1 goes|A2 goes|B2 goes|A3 only copy",
+         [](Disk &) {},
+         false},
+        {"three different files of one short checksum",
+         "B1 A1 C1",
+         "A1 B1 C1",
+         "",
+         "A1 only copy|B1 only copy",
+         [](Disk &) {},
+         false},
+        {"copies of one short checksum",
+         "A1 A2 A3",
+         "A1 A2 A3",
+         "",
+         "A2 goes|A1 goes",
+         [](Disk &) {},
+         false},
         {"a path that no row shows", "A1 A2", "A1 A2 A3", "A3", "A3 goes"},
     };
 }
@@ -245,57 +298,132 @@ QList<Case> tst_DeletionPlan::changes()
         };
     };
     const auto become = [](const char *path, const std::function<void(FileState &)> &what) {
-        return [=](Disk &disk) { what(disk.files[QString::fromLatin1(path)]); };
+        return [=](Disk &disk) {
+            what(disk.files[QString::fromLatin1(path)]);
+        };
     };
     const auto gone = [](const char *path) {
-        return [=](Disk &disk) { disk.remove(QString::fromLatin1(path)); };
+        return [=](Disk &disk) {
+            disk.remove(QString::fromLatin1(path));
+        };
     };
-    const auto otherType = [](FileState &state) { state.isRegular = false; };
-    const auto shorter = [](FileState &state) { --state.size; };
-    const auto rewritten = [](FileState &state) { ++state.modified; };
-    const auto replaced = [](FileState &state) { state.file.inode = 99; };
+    const auto otherType = [](FileState &state) {
+        state.isRegular = false;
+    };
+    const auto shorter = [](FileState &state) {
+        --state.size;
+    };
+    const auto rewritten = [](FileState &state) {
+        ++state.modified;
+    };
+    const auto replaced = [](FileState &state) {
+        state.file.inode = 99;
+    };
     return {
         {"through a link to a folder", "A1 A2", "A1 A2", "", "A1 same file", otherPath("A2", "A1")},
-        {"a link among copies", "A1 A2 A3", "A1 A2 A3", "", "A2 goes|A1 missing",
+        {"a link among copies",
+         "A1 A2 A3",
+         "A1 A2 A3",
+         "",
+         "A2 goes|A1 missing",
          otherPath("A2", "A1")},
-        {"through a link, the kept file", "A3 A1 A2", "A1 A2 A3", "", "A1 same file|A3 goes",
+        {"through a link, the kept file",
+         "A3 A1 A2",
+         "A1 A2 A3",
+         "",
+         "A1 same file|A3 goes",
          otherPath("A2", "A1")},
-        {"through two links", "A1 A2 A3", "A1 A2 A3", "", "A2 same file|A1 same file",
+        {"through two links",
+         "A1 A2 A3",
+         "A1 A2 A3",
+         "",
+         "A2 same file|A1 same file",
          [](Disk &disk) {
              disk.addOtherPath(QStringLiteral("A2"), QStringLiteral("A1"));
              disk.addOtherPath(QStringLiteral("A3"), QStringLiteral("A1"));
          }},
-        {"through a link, all of the content ticked", "A1 A2 B2", "A1 A2|B1 B2", "",
-         "A2 same file|A1 only copy", otherPath("A2", "A1")},
-        {"a link of one short checksum", "A1 A2", "A1 A2", "", "A1 same file",
-         otherPath("A2", "A1"), false},
-        {"two names of one file", "A1 d/A2", "A1 d/A2", "", "A1 goes",
-         [](Disk &disk) { disk.addHardLink(QStringLiteral("d/A2"), QStringLiteral("A1")); }},
-        {"two paths to one of two names", "d/A1 A2 A3", "d/A1 A2 A3", "", "A2 goes|d/A1 same file",
+        {"through a link, all of the content ticked",
+         "A1 A2 B2",
+         "A1 A2|B1 B2",
+         "",
+         "A2 same file|A1 only copy",
+         otherPath("A2", "A1")},
+        {"a link of one short checksum",
+         "A1 A2",
+         "A1 A2",
+         "",
+         "A1 same file",
+         otherPath("A2", "A1"),
+         false},
+        {"two names of one file",
+         "A1 d/A2",
+         "A1 d/A2",
+         "",
+         "A1 goes",
+         [](Disk &disk) {
+             disk.addHardLink(QStringLiteral("d/A2"), QStringLiteral("A1"));
+         }},
+        {"two paths to one of two names",
+         "d/A1 A2 A3",
+         "d/A1 A2 A3",
+         "",
+         "A2 goes|d/A1 same file",
          [](Disk &disk) {
              disk.addHardLink(QStringLiteral("A2"), QStringLiteral("d/A1"));
              disk.addOtherPath(QStringLiteral("A3"), QStringLiteral("d/A1"));
          }},
         {"the kept file gone", "A1 A2", "A1 A2", "", "A1 only copy", gone("A2")},
-        {"the kept file gone, of three", "A1 A2 A3", "A1 A2 A3", "", "A2 goes|A1 only copy",
+        {"the kept file gone, of three",
+         "A1 A2 A3",
+         "A1 A2 A3",
+         "",
+         "A2 goes|A1 only copy",
          gone("A3")},
         {"the kept file cut short", "A1 A2", "A1 A2", "", "A1 only copy", become("A2", shorter)},
-        {"the kept file written anew", "A1 A2", "A1 A2", "", "A1 only copy",
+        {"the kept file written anew",
+         "A1 A2",
+         "A1 A2",
+         "",
+         "A1 only copy",
          become("A2", rewritten)},
-        {"the kept file a link or a folder now", "A1 A2", "A1 A2", "", "A1 only copy",
+        {"the kept file a link or a folder now",
+         "A1 A2",
+         "A1 A2",
+         "",
+         "A1 only copy",
          become("A2", otherType)},
-        {"the kept file put in place anew, unchanged", "A1 A2", "A1 A2", "", "A1 goes",
+        {"the kept file put in place anew, unchanged",
+         "A1 A2",
+         "A1 A2",
+         "",
+         "A1 goes",
          become("A2", replaced)},
-        {"the last ticked one gone", "A1 A2 A3 B2", "A1 A2 A3|B1 B2", "",
-         "A3 goes|A2 only copy|A1 missing", gone("A1")},
-        {"the last ticked one changed", "A1 A2 A3 B2", "A1 A2 A3|B1 B2", "",
-         "A3 goes|A2 only copy|A1 changed", become("A1", rewritten)},
+        {"the last ticked one gone",
+         "A1 A2 A3 B2",
+         "A1 A2 A3|B1 B2",
+         "",
+         "A3 goes|A2 only copy|A1 missing",
+         gone("A1")},
+        {"the last ticked one changed",
+         "A1 A2 A3 B2",
+         "A1 A2 A3|B1 B2",
+         "",
+         "A3 goes|A2 only copy|A1 changed",
+         become("A1", rewritten)},
         {"the file gone", "A1 A2", "A1 A2", "", "A1 missing", gone("A1")},
         {"the file cut short", "A1 A2", "A1 A2", "", "A1 changed", become("A1", shorter)},
         {"the file written anew", "A1 A2", "A1 A2", "", "A1 changed", become("A1", rewritten)},
-        {"the file a link or a folder now", "A1 A2", "A1 A2", "", "A1 changed",
+        {"the file a link or a folder now",
+         "A1 A2",
+         "A1 A2",
+         "",
+         "A1 changed",
          become("A1", otherType)},
-        {"every row ticked, all changed", "A1 A2", "A1 A2", "A1 A2", "A1 asked for|A2 asked for",
+        {"every row ticked, all changed",
+         "A1 A2",
+         "A1 A2",
+         "A1 A2",
+         "A1 asked for|A2 asked for",
          become("A1", rewritten)},
         {"gone without a set", "X1 Y1", "", "", "X1 missing", gone("X1")},
     };
@@ -497,10 +625,12 @@ void tst_DeletionPlan::knowsTheLastOfItsContent()
     // A file is the last of its content if none that was found beside it has it any more.
     QFETCH(QString, kind);
     QFETCH(bool, isLast);
-    const auto is = [&kind](const char *other) { return kind == QLatin1String(other); };
+    const auto is = [&kind](const char *other) {
+        return kind == QLatin1String(other);
+    };
     const QString file = QStringLiteral("d/A1");
-    const QString copy = is("it only shares a short checksum") ? QStringLiteral("d/B1")
-                                                               : QStringLiteral("d/A2");
+    const QString copy =
+        is("it only shares a short checksum") ? QStringLiteral("d/B1") : QStringLiteral("d/A2");
     Disk disk;
     disk.add(file);
     disk.add(copy);

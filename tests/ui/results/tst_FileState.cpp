@@ -79,6 +79,7 @@ void tst_FileState::tellsEntriesApart()
     };
     QVERIFY(isSame("folder/file", "link/file"));
     QVERIFY(!isSame("folder/file", "folder/copy"));
+    const FileState withOneName = FileState::of(file);
     for (const char *name : {"folder/second", "other/file"}) {
         QCOMPARE(::link(QFile::encodeName(file).constData(),
                         QFile::encodeName(tree.path(QString::fromLatin1(name))).constData()),
@@ -87,6 +88,9 @@ void tst_FileState::tellsEntriesApart()
     }
     QVERIFY(isSame("folder/file", "link/file"));
     QVERIFY(isSame("link/second", "folder/second"));
+    // A name that was made in between tells nothing of the entry that was seen before.
+    QVERIFY(withOneName.isSameEntryAs(FileState::of(tree.path(QStringLiteral("link/file")))));
+    QVERIFY(FileState::of(tree.path(QStringLiteral("link/file"))).isSameEntryAs(withOneName));
 }
 
 void tst_FileState::comparesBytes_data()

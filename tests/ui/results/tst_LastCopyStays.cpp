@@ -267,7 +267,11 @@ void tst_LastCopyStays::staysWhereAFolderIsMountedTwice()
              0);
     const QByteArray place = QFile::encodeName(mount);
     if (!ownsMounts()
-        || ::mount(QFile::encodeName(real).constData(), place.constData(), nullptr, MS_BIND, nullptr)
+        || ::mount(QFile::encodeName(real).constData(),
+                   place.constData(),
+                   nullptr,
+                   MS_BIND,
+                   nullptr)
             != 0) {
         QSKIP("only the super-user can mount a folder twice");
     }

@@ -75,7 +75,9 @@ void tst_MovingScreen::theQuestionHasGone()
     const QImage before = onScreen(results.page);
     QImage during;
     QImage asking;
-    onFileLeft = [&] { during = onScreen(results.page); };
+    onFileLeft = [&] {
+        during = onScreen(results.page);
+    };
     results.boxes.expect(
         QStringLiteral("Warning"),
         [](QWidget *) { return QString(); },
@@ -121,7 +123,9 @@ void tst_MovingScreen::rowsTurnRedAsTheyGo()
     const QColor red(QStringLiteral("#ff6961"));
     QTRY_COMPARE(colour(), QColor(Qt::white));
     QColor during;
-    onFileLeft = [&] { during = colour(); };
+    onFileLeft = [&] {
+        during = colour();
+    };
     expectMessage(QtDebugMsg, QStringLiteral("Cannot remove file: ") + gone);
     results.expectComplete();
     results.page.deleteSelectedFiles();

@@ -13,6 +13,7 @@
 #include <QStorageInfo>
 
 #include <unistd.h>
+#include <utime.h>
 
 class tst_Trash final : public TestCase
 {
@@ -415,7 +416,7 @@ void tst_Trash::leavesAnyOtherFileThanTheOneSeen_data()
 {
     QTest::addColumn<QString>("kind");
     for (const char *kind : {"gone",
-                             "another file of its size",
+                             "another file of its size and time",
                              "written to",
                              "a link to it",
                              "a folder",
@@ -433,6 +434,9 @@ void tst_Trash::leavesAnyOtherFileThanTheOneSeen()
     const QString file = tree.file(QStringLiteral("folder/a.txt"), "content");
     const QString other = tree.file(QStringLiteral("other/a.txt"), "CONTENT");
     const QString aside = tree.path(QStringLiteral("aside"));
+    const utimbuf sameTime = {1000000, 1000000};
+    QCOMPARE(::utime(QFile::encodeName(file).constData(), &sameTime), 0);
+    QCOMPARE(::utime(QFile::encodeName(other).constData(), &sameTime), 0);
     const FileState seen = FileState::of(file);
     QByteArray there = "content";
     if (kind == QStringLiteral("written to")) {
@@ -444,7 +448,7 @@ void tst_Trash::leavesAnyOtherFileThanTheOneSeen()
         there = "CONTENT";
     } else {
         QVERIFY(QFile::rename(file, aside));
-        if (kind == QStringLiteral("another file of its size")) {
+        if (kind == QStringLiteral("another file of its size and time")) {
             QVERIFY(QFile::rename(other, file));
             there = "CONTENT";
         } else if (kind == QStringLiteral("a link to it")) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
+#include "tests/ui/results/ResultsPage.h"
 #include "ui/results/FileState.h"
 #include "ui/results/Trash.h"
 
@@ -71,6 +72,7 @@ private slots:
     void putsBackWhatWasSwapped();
     void keepsWhatCannotBePutBack();
     void movesTheFileWhoseFolderIsSwapped();
+    void pageMovesWhatItHasLookedAt();
 
 private:
     QByteArray inTrash(const QString &name) const
@@ -182,7 +184,9 @@ void tst_TrashRenaming::keepsWhatCannotBePutBack()
         QFile::rename(file, tree.path(QStringLiteral("aside")));
         tree.file(QStringLiteral("a"), "another");
     };
-    after = [&] { tree.file(QStringLiteral("a"), "a third"); };
+    after = [&] {
+        tree.file(QStringLiteral("a"), "a third");
+    };
     QVERIFY(!Trash::moveFile(file, &seen));
     QCOMPARE(TempTree::read(file), QByteArray("a third"));
     QCOMPARE(inTrash(QStringLiteral("files/a")), QByteArray("another"));
@@ -205,6 +209,27 @@ void tst_TrashRenaming::movesTheFileWhoseFolderIsSwapped()
     QCOMPARE(TempTree::read(other), QByteArray("another"));
     QCOMPARE(inTrash(QStringLiteral("files/a")), QByteArray("content"));
     QVERIFY(!QFileInfo::exists(tree.path(QStringLiteral("aside/a"))));
+}
+
+void tst_TrashRenaming::pageMovesWhatItHasLookedAt()
+{
+    // A deletion on the results page leaves what takes the place of a ticked file after its look.
+    const TempTree tree(path(QStringLiteral("tree")));
+    const QStringList group = {tree.file(QStringLiteral("a"), "content"),
+                               tree.file(QStringLiteral("kept"), "content")};
+    ResultsPage results;
+    results.scanned({group}, {group});
+    before = [&] {
+        QFile::rename(group.first(), tree.path(QStringLiteral("aside")));
+        tree.file(QStringLiteral("a"), "another");
+    };
+    expectMessage(QtDebugMsg, QStringLiteral("Cannot remove file: ") + group.first());
+    results.expectComplete();
+    results.page.deleteSelectedFiles();
+    QCOMPARE(results.boxes.failures(), QStringList());
+    QVERIFY(!before);
+    QCOMPARE(TempTree::read(group.first()), QByteArray("another"));
+    QVERIFY(QDir(homeTrash() + QStringLiteral("/files")).isEmpty());
 }
 
 TWINSIFT_TEST_MAIN(tst_TrashRenaming)
