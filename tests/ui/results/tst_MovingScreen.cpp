@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Hook.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
 #include "tests/ui/results/ResultsPage.h"
@@ -55,7 +56,6 @@ void tst_MovingScreen::init()
 
 void tst_MovingScreen::cleanup()
 {
-    onFileLeft = nullptr;
     qInstallMessageHandler(previous);
     TestCase::cleanup();
 }
@@ -75,9 +75,7 @@ void tst_MovingScreen::theQuestionHasGone()
     const QImage before = onScreen(results.page);
     QImage during;
     QImage asking;
-    onFileLeft = [&] {
-        during = onScreen(results.page);
-    };
+    const Hook look(&onFileLeft, [&] { during = onScreen(results.page); });
     results.boxes.expect(
         QStringLiteral("Warning"),
         [](QWidget *) { return QString(); },
@@ -123,9 +121,7 @@ void tst_MovingScreen::rowsTurnRedAsTheyGo()
     const QColor red(QStringLiteral("#ff6961"));
     QTRY_COMPARE(colour(), QColor(Qt::white));
     QColor during;
-    onFileLeft = [&] {
-        during = colour();
-    };
+    const Hook look(&onFileLeft, [&] { during = colour(); });
     expectMessage(QtDebugMsg, QStringLiteral("Cannot remove file: ") + gone);
     results.expectComplete();
     results.page.deleteSelectedFiles();

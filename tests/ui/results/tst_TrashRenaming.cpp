@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Hook.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
 #include "tests/ui/results/ResultsPage.h"
@@ -84,8 +85,6 @@ private:
 void tst_TrashRenaming::cleanup()
 {
     renaming = Renaming::AsUsual;
-    before = nullptr;
-    after = nullptr;
     TestCase::cleanup();
 }
 
@@ -151,7 +150,7 @@ void tst_TrashRenaming::putsBackWhatWasSwapped()
     const QString file = tree.file(QStringLiteral("a"), "content");
     const QString aside = tree.path(QStringLiteral("aside"));
     const FileState seen = FileState::of(file);
-    before = [&] {
+    const Hook swap(&before, [&] {
         QFile::rename(file, aside);
         if (kind == QStringLiteral("a file")) {
             tree.file(QStringLiteral("a"), "another");
@@ -160,7 +159,7 @@ void tst_TrashRenaming::putsBackWhatWasSwapped()
         } else {
             tree.folder(QStringLiteral("a"));
         }
-    };
+    });
     QVERIFY(!Trash::moveFile(file, &seen));
     QCOMPARE(TempTree::read(aside), QByteArray("content"));
     const QFileInfo there(file);
@@ -180,13 +179,11 @@ void tst_TrashRenaming::keepsWhatCannotBePutBack()
     const TempTree tree(path(QString()));
     const QString file = tree.file(QStringLiteral("a"), "content");
     const FileState seen = FileState::of(file);
-    before = [&] {
+    const Hook swap(&before, [&] {
         QFile::rename(file, tree.path(QStringLiteral("aside")));
         tree.file(QStringLiteral("a"), "another");
-    };
-    after = [&] {
-        tree.file(QStringLiteral("a"), "a third");
-    };
+    });
+    const Hook swapBack(&after, [&] { tree.file(QStringLiteral("a"), "a third"); });
     QVERIFY(!Trash::moveFile(file, &seen));
     QCOMPARE(TempTree::read(file), QByteArray("a third"));
     QCOMPARE(inTrash(QStringLiteral("files/a")), QByteArray("another"));
@@ -201,10 +198,10 @@ void tst_TrashRenaming::movesTheFileWhoseFolderIsSwapped()
     const QString file = tree.file(QStringLiteral("folder/a"), "content");
     const QString other = tree.file(QStringLiteral("other/a"), "another");
     const FileState seen = FileState::of(file);
-    before = [&] {
+    const Hook swap(&before, [&] {
         QDir().rename(tree.path(QStringLiteral("folder")), tree.path(QStringLiteral("aside")));
         tree.link(QStringLiteral("folder"), tree.path(QStringLiteral("other")));
-    };
+    });
     QVERIFY(Trash::moveFile(file, &seen));
     QCOMPARE(TempTree::read(other), QByteArray("another"));
     QCOMPARE(inTrash(QStringLiteral("files/a")), QByteArray("content"));
@@ -219,10 +216,10 @@ void tst_TrashRenaming::pageMovesWhatItHasLookedAt()
                                tree.file(QStringLiteral("kept"), "content")};
     ResultsPage results;
     results.scanned({group}, {group});
-    before = [&] {
+    const Hook swap(&before, [&] {
         QFile::rename(group.first(), tree.path(QStringLiteral("aside")));
         tree.file(QStringLiteral("a"), "another");
-    };
+    });
     expectMessage(QtDebugMsg, QStringLiteral("Cannot remove file: ") + group.first());
     results.expectComplete();
     results.page.deleteSelectedFiles();
