@@ -41,7 +41,7 @@ public:
     };
 
     struct Decision {
-        Verdict verdict;
+        Verdict verdict = Verdict::OnlyCopy;
         FileState seen; // of the file itself, with TakeWhatWasSeen
     };
 
@@ -86,8 +86,8 @@ private:
     };
     /** A file that may be the copy that stays. */
     struct Copy {
-        int member;
-        const Tick *tick; // null where it is not ticked
+        int member = -1;
+        const Tick *tick = nullptr; // null where it is not ticked
         FileState seen;
     };
     /** The search for copies that stay, of one set of the findings. */
