@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/OwnMounts.h"
 #include "tests/support/TempTree.h"
 
 #include <QByteArray>
 #include <QFile>
 
-#include <sched.h>
 #include <sys/mount.h>
 
 /**
@@ -49,18 +49,6 @@ public:
     const TempTree tree;
 
 private:
-    // No other process sees what is mounted from then on, and it goes with this one. In a changed
-    // root that is no mount point others may see it until it is unmounted.
-    static bool ownsMounts()
-    {
-        static const bool isOwner = [] {
-            const bool isAlone = ::unshare(CLONE_NEWNS) == 0;
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
-            return isAlone;
-        }();
-        return isOwner;
-    }
-
     QByteArray place;
     bool mounted;
 };

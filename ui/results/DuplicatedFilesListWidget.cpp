@@ -6,9 +6,12 @@
 #include "app/ModelEvent.h"
 #include "ui/Picture.h"
 #include "ui/progress/ClickableLabel.h"
+#include "ui/results/DeletionPlan.h"
 #include "ui/results/DuplicatedFilesTableModel.h"
 #include "ui/results/FilepathDelegate.h"
+#include "ui/results/LeftFiles.h"
 #include "ui/results/ListFile.h"
+#include "ui/results/MovingScreen.h"
 #include "ui/results/ThumbnailPrefetcher.h"
 #include "ui/results/Trash.h"
 
@@ -65,6 +68,11 @@ QString deleteCurrentFileText()
 {
     return QStringLiteral("Delete Current File");
 }
+
+DeletionPlan::Senses sensesOfTheDisk()
+{
+    return {FileState::of, FileState::haveSameBytes};
+}
 } // namespace
 
 DuplicatedFilesListWidget::DuplicatedFilesListWidget(Model *eventHub, MainWindow *window)
@@ -84,19 +92,16 @@ DuplicatedFilesListWidget::DuplicatedFilesListWidget(Model *eventHub, MainWindow
 void DuplicatedFilesListWidget::deleteSelectedFiles()
 {
     scanConfigurationButton->setEnabled(false);
-    const QStringList paths = tableModel->selectedFiles();
-    for (const QString &path : paths) {
-        if (!moveFileToTrash(path)) {
-            qDebug().noquote() << QStringLiteral("Cannot remove file:") << path;
-        }
-        tableView->repaint();
-    }
+    const LeftFiles left = moveTickedFiles();
     scanConfigurationButton->setEnabled(true);
     // The rows of the files that have gone are red from now on.
     tableView->viewport()->update();
     showBox(QMessageBox::Information,
             QStringLiteral("Complete!"),
-            QStringLiteral("Duplicated files was deleted!"));
+            QStringLiteral("Duplicated files was deleted!"),
+            Qt::PlainText,
+            left.summary(),
+            left.list());
 }
 
 void DuplicatedFilesListWidget::saveList()
@@ -119,16 +124,22 @@ void DuplicatedFilesListWidget::saveList()
     }
 }
 
-bool DuplicatedFilesListWidget::moveFileToTrash(const QString &path)
+bool DuplicatedFilesListWidget::moveFileToTrash(const QString &path, const FileState *seen)
 {
-    return Trash::moveFile(path);
+    return Trash::moveFile(path, seen);
 }
 
 void DuplicatedFilesListWidget::removeFile(const QString &path)
 {
-    const auto answer = showBox(QMessageBox::Question,
-                                QStringLiteral("Delete Duplicated Files"),
-                                QStringLiteral("Start deleting %1 file. Are you sure?").arg(path));
+    const DeletionPlan plan(shownGroups, {}, findings, sensesOfTheDisk());
+    const auto answer =
+        showBox(QMessageBox::Question,
+                QStringLiteral("Delete Duplicated Files"),
+                QStringLiteral("Start deleting %1 file. Are you sure?").arg(path),
+                Qt::PlainText,
+                plan.isLastOfItsContent(path)
+                    ? QStringLiteral("No other copy of this file is left among those found.")
+                    : QString());
     if (answer == QMessageBox::Yes) {
         QFile::remove(path);
         tableView->viewport()->update();
@@ -141,6 +152,9 @@ void DuplicatedFilesListWidget::onModelEvent(const ModelEvent *modelEvent)
         return;
     }
     const auto *const event = static_cast<const FindDuplicatedFilesFinishedEvent *>(modelEvent);
+    // Kept beside the rows, because the next scan replaces them before it hands its own groups over.
+    shownGroups = event->duplicatedFiles;
+    findings = *ScanFindings::instance();
     tableModel->setDuplicatedFilesInList(event->duplicatedFiles);
     tableView->reset();
     areColumnsOutdated = true;
@@ -394,14 +408,38 @@ void DuplicatedFilesListWidget::askToDeleteSelectedFiles()
         QStringLiteral("Delete Duplicate Files"),
         QStringLiteral("Start moving %1 duplicate files to trash. Are you sure?").arg(count));
     if (answer == QMessageBox::Yes) {
+        MovingScreen(tableView).letBoxesGo();
         deleteSelectedFiles();
     }
+}
+
+// What has been looked at is what is moved: it may be another file by then.
+LeftFiles DuplicatedFilesListWidget::moveTickedFiles()
+{
+    using Verdict = DeletionPlan::Verdict;
+    MovingScreen screen(tableView);
+    const QStringList paths = tableModel->selectedFiles();
+    DeletionPlan plan(shownGroups, paths, findings, sensesOfTheDisk());
+    LeftFiles left;
+    for (const QString &path : paths) {
+        const DeletionPlan::Decision decision = plan.decide(path);
+        const bool isSeen = decision.verdict == Verdict::TakeWhatWasSeen;
+        if (!(isSeen || decision.verdict == Verdict::Take)
+            || !moveFileToTrash(path, isSeen ? &decision.seen : nullptr)) {
+            qDebug().noquote() << QStringLiteral("Cannot remove file:") << path;
+            left.add(path, decision.verdict);
+        }
+        screen.showProgress();
+    }
+    return left;
 }
 
 QMessageBox::StandardButton DuplicatedFilesListWidget::showBox(QMessageBox::Icon icon,
                                                                const QString &title,
                                                                const QString &text,
-                                                               Qt::TextFormat format)
+                                                               Qt::TextFormat format,
+                                                               const QString &more,
+                                                               const QString &details)
 {
     const bool isQuestion = icon == QMessageBox::Question;
     QMessageBox box(icon,
@@ -410,6 +448,8 @@ QMessageBox::StandardButton DuplicatedFilesListWidget::showBox(QMessageBox::Icon
                     isQuestion ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok,
                     this);
     box.setTextFormat(format);
+    box.setInformativeText(more);
+    box.setDetailedText(details);
     box.setDefaultButton(isQuestion ? QMessageBox::No : QMessageBox::Ok);
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "engine/ScanFindings.h"
+
 #include <QMessageBox>
 #include <QModelIndex>
 #include <QWidget>
 
+struct FileState;
+
 class ClickableLabel;
 class DuplicatedFilesTableModel;
+class LeftFiles;
 class MainWindow;
 class Model;
 class ModelEvent;
@@ -32,14 +37,18 @@ public:
 
     /**
      * Moves the ticked files to the trash, without events in between, and says that it is done
-     * whatever became of them. Rows and ticks stay; the row of a file that has gone turns red.
+     * whatever became of them, and which ones it has left because no other copy of them would be.
+     * Rows and ticks stay; the row of a file that has gone turns red.
      */
     void deleteSelectedFiles();
     /** Asks for a file and writes one line a row to it; says so only if all of it is written. */
     void saveList();
-    /** True if the file is in the trash now, false if it is still in its place. */
-    bool moveFileToTrash(const QString &path);
-    /** Asks, then deletes for good. */
+    /**
+     * True if the file is in the trash now, false if it is still in its place, as any other one is
+     * than the one that was seen there, if that is told.
+     */
+    bool moveFileToTrash(const QString &path, const FileState *seen = nullptr);
+    /** Asks, and says so if no other copy of it is known, then deletes for good. */
     void removeFile(const QString &path);
 
 public slots:
@@ -70,11 +79,14 @@ private:
     void offerScrolling();
     void toggleRow(const QModelIndex &index);
     void askToDeleteSelectedFiles();
+    LeftFiles moveTickedFiles();
     /** The text is plain unless it is announced as rich; the answer is No for a closed question. */
     QMessageBox::StandardButton showBox(QMessageBox::Icon icon,
                                         const QString &title,
                                         const QString &text,
-                                        Qt::TextFormat format = Qt::PlainText);
+                                        Qt::TextFormat format = Qt::PlainText,
+                                        const QString &more = QString(),
+                                        const QString &details = QString());
     QString lineOfRow(int row) const;
 
     Model *model;
@@ -89,4 +101,7 @@ private:
     /** The row that the open context menu is about. */
     qint32 contextRow = -1;
     bool areColumnsOutdated = false;
+    /** What is shown, and what the scan knew when it handed that over. */
+    QList<QStringList> shownGroups;
+    ScanFindings findings;
 };

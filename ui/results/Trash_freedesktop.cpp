@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "engine/FileTime_posix.h"
+#include "ui/results/FileState.h"
 #include "ui/results/Trash.h"
 
 #include <QByteArray>
@@ -32,13 +34,6 @@ constexpr int maxCountedNames = 10;
 
 enum class Outcome { Done, NameIsTaken, Failed };
 
-/** What is moved, and how it is told apart from what lies in the trash. */
-struct MovedFile {
-    QByteArray path;
-    QByteArray note;
-    struct stat status;
-};
-
 /** Closes what it was opened with. */
 class Descriptor final
 {
@@ -61,6 +56,26 @@ public:
 private:
     int descriptor;
 };
+
+/**
+ * What is moved. Its folder is held open, so that a folder on its path that is put in another's place
+ * changes nothing any more; the file is, so that the system gives its inode to no other one.
+ */
+struct MovedFile {
+    const Descriptor &folder;
+    QByteArray name;
+    QByteArray note;
+    struct stat status;
+    /** Closed where any file that stands there is meant. */
+    const Descriptor &seen;
+};
+
+#ifdef O_PATH
+// Needs no right to read.
+constexpr int openToHold = O_PATH | O_CLOEXEC;
+#else
+constexpr int openToHold = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+#endif
 
 int openFolder(int parent, const QByteArray &name)
 {
@@ -135,10 +150,11 @@ Outcome writeNote(int folder, const QByteArray &name, const QByteArray &note)
 }
 
 // Over nothing: a file may lie in the trash without a note.
-int renameToNewName(const QByteArray &path, int folder, const QByteArray &name)
+int renameToNewName(int oldFolder, const QByteArray &oldName, int folder, const QByteArray &name)
 {
 #ifdef RENAME_NOREPLACE
-    if (::renameat2(AT_FDCWD, path.constData(), folder, name.constData(), RENAME_NOREPLACE) == 0) {
+    if (::renameat2(oldFolder, oldName.constData(), folder, name.constData(), RENAME_NOREPLACE)
+        == 0) {
         return 0;
     }
     if (errno != EINVAL && errno != ENOSYS) {
@@ -152,16 +168,31 @@ int renameToNewName(const QByteArray &path, int folder, const QByteArray &name)
     if (errno != ENOENT) {
         return errno;
     }
-    return ::renameat(AT_FDCWD, path.constData(), folder, name.constData()) == 0 ? 0 : errno;
+    return ::renameat(oldFolder, oldName.constData(), folder, name.constData()) == 0 ? 0 : errno;
+}
+
+bool isFileIn(int folder, const QByteArray &name, const struct stat &file)
+{
+    struct stat status = {};
+    return ::fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0
+        && status.st_dev == file.st_dev && status.st_ino == file.st_ino;
 }
 
 // Over a network a renaming may be done and the answer lost.
 bool hasArrived(const MovedFile &file, int folder, const QByteArray &name)
 {
     struct stat status = {};
-    return ::fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0
-        && status.st_dev == file.status.st_dev && status.st_ino == file.status.st_ino
-        && ::lstat(file.path.constData(), &status) != 0 && errno == ENOENT;
+    return isFileIn(folder, name, file.status)
+        && ::fstatat(file.folder.get(), file.name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0
+        && errno == ENOENT;
+}
+
+// Also by what the held file is now: there are file systems that number a file anew when it is renamed.
+bool isTheOneSeen(const MovedFile &file, int folder, const QByteArray &name)
+{
+    struct stat now = {};
+    return !file.seen.isOpen() || isFileIn(folder, name, file.status)
+        || (::fstat(file.seen.get(), &now) == 0 && isFileIn(folder, name, now));
 }
 
 Outcome moveUnder(const QByteArray &name, const MovedFile &file, int files, int notes)
@@ -171,9 +202,16 @@ Outcome moveUnder(const QByteArray &name, const MovedFile &file, int files, int 
     if (noted != Outcome::Done) {
         return noted;
     }
-    const int error = renameToNewName(file.path, files, name);
+    const int error = renameToNewName(file.folder.get(), file.name, files, name);
     if (error == 0 || hasArrived(file, files, name)) {
-        return Outcome::Done;
+        if (isTheOneSeen(file, files, name)) {
+            return Outcome::Done;
+        }
+        // Put in its place in the last moment. Where that is taken again it can be restored.
+        if (renameToNewName(files, name, file.folder.get(), file.name) == 0) {
+            ::unlinkat(notes, noteName.constData(), 0);
+        }
+        return Outcome::Failed;
     }
     ::unlinkat(notes, noteName.constData(), 0);
     return error == EEXIST ? Outcome::NameIsTaken : Outcome::Failed;
@@ -195,37 +233,92 @@ bool moveInto(int trash, const MovedFile &file)
     if (!files.isOpen() || !notes.isOpen()) {
         return false;
     }
-    const QByteArray fileName = file.path.mid(file.path.lastIndexOf('/') + 1);
     Outcome outcome = Outcome::NameIsTaken;
     for (int number = 1; outcome == Outcome::NameIsTaken; number = nextNumber(number)) {
-        outcome = moveUnder(nameInTrash(fileName, number), file, files.get(), notes.get());
+        outcome = moveUnder(nameInTrash(file.name, number), file, files.get(), notes.get());
     }
     return outcome == Outcome::Done;
 }
+
+// The number of the mount that the folder lies in, which costs far less than to read the list of all
+// mounts; 0 where the system does not tell it.
+quint64 mountOf(const Descriptor &folder)
+{
+#ifdef STATX_MNT_ID
+    struct statx status = {};
+    if (::statx(folder.get(), "", AT_EMPTY_PATH, STATX_MNT_ID, &status) == 0
+        && (status.stx_mask & STATX_MNT_ID) != 0) {
+        return status.stx_mnt_id;
+    }
+#else
+    Q_UNUSED(folder)
+#endif
+    return 0;
+}
+
+// Of the folder: a link may lead to another volume than the one it lies on.
+QString canonicalFolderOf(const QString &path)
+{
+    return QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath();
+}
+
+// Empty where the home trash serves: a file is renamed within its mount alone.
+QString topFolderOfAnotherVolume(const Descriptor &folder,
+                                 const QString &path,
+                                 const Descriptor &data,
+                                 const QString &dataFolder)
+{
+    const quint64 mount = mountOf(folder);
+    if (mount != 0 && mount == mountOf(data)) {
+        return {};
+    }
+    const QString topFolder = QStorageInfo(canonicalFolderOf(path)).rootPath();
+    return topFolder == QStorageInfo(dataFolder).rootPath() ? QString() : topFolder;
+}
+
+bool isSeenFile(const struct stat &status, const FileState &seen)
+{
+    return seen.isRegular && S_ISREG(status.st_mode)
+        && static_cast<quint64>(status.st_dev) == seen.file.device
+        && static_cast<quint64>(status.st_ino) == seen.file.inode && status.st_size == seen.size
+        && FileTime::modified(status) == seen.modified;
+}
+
+// False where there is none, or another one than the one that was seen.
+bool lookAt(MovedFile *file, const FileState *seen)
+{
+    if (seen != nullptr) {
+        return ::fstat(file->seen.get(), &file->status) == 0 && isSeenFile(file->status, *seen);
+    }
+    return ::fstatat(file->folder.get(), file->name.constData(), &file->status, AT_SYMLINK_NOFOLLOW)
+        == 0;
+}
 } // namespace
 
-bool Trash::moveFile(const QString &path)
+bool Trash::moveFile(const QString &path, const FileState *seen)
 {
-    const QFileInfo info(path);
-    MovedFile file = {QFile::encodeName(info.absoluteFilePath()), {}, {}};
+    const QByteArray whole = QFile::encodeName(QFileInfo(path).absoluteFilePath());
+    const int slash = whole.lastIndexOf('/');
+    const QByteArray name = whole.mid(slash + 1);
+    const Descriptor folder(::open(whole.left(slash + 1).constData(), openToHold | O_DIRECTORY));
+    const Descriptor held(
+        seen != nullptr ? ::openat(folder.get(), name.constData(), openToHold | O_NOFOLLOW) : -1);
+    MovedFile file = {folder, name, {}, {}, held};
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    if (::lstat(file.path.constData(), &file.status) != 0 || !QDir::isAbsolutePath(data)
-        || !QDir().mkpath(data)) {
+    if (!lookAt(&file, seen) || !QDir::isAbsolutePath(data) || !QDir().mkpath(data)) {
         return false;
     }
-    // Of the folder: a link may lead to another volume than the one it lies on.
-    const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
-    const QString topFolder = QStorageInfo(folder).rootPath();
-    if (topFolder == QStorageInfo(data).rootPath()) {
-        const Descriptor place(
-            ::open(QFile::encodeName(data).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor place(
+        ::open(QFile::encodeName(data).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const QString otherVolume = topFolderOfAnotherVolume(folder, path, place, data);
+    if (otherVolume.isEmpty()) {
         const Descriptor trash(openOwnFolder(place.get(), "Trash"));
-        file.note = noteOf(file.path);
+        file.note = noteOf(whole);
         return moveInto(trash.get(), file);
     }
-    const Descriptor trash(openTrashOfVolume(topFolder));
+    const Descriptor trash(openTrashOfVolume(otherVolume));
     // The note is relative to the volume, which may be mounted elsewhere the next time.
-    const QString moved = folder % QLatin1Char('/') % info.fileName();
-    file.note = noteOf(QFile::encodeName(QDir(topFolder).relativeFilePath(moved)));
+    const QString moved = canonicalFolderOf(path) % QLatin1Char('/') % QFileInfo(path).fileName();
+    file.note = noteOf(QFile::encodeName(QDir(otherVolume).relativeFilePath(moved)));
     return moveInto(trash.get(), file);
 }

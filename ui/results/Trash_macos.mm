@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "ui/results/Trash.h"
 
+#include "ui/results/FileState.h"
+
 #include <QFileInfo>
 
 #import <Foundation/Foundation.h>
 
-bool Trash::moveFile(const QString &path)
+bool Trash::moveFile(const QString &path, const FileState *seen)
 {
+    // The system takes a path and no open file, so this is as close as the look can come.
+    if (seen != nullptr && !FileState::of(path).isSameFileAs(*seen)) {
+        return false;
+    }
     @autoreleasepool {
         NSString *const name =
             [NSString stringWithCharacters:reinterpret_cast<const unichar *>(path.utf16())

@@ -2,12 +2,15 @@
 #include "tests/ui/results/ResultsPage.h"
 
 #include "app/ModelEvent.h"
+#include "engine/FileTime_posix.h"
+#include "engine/ScanFindings.h"
 #include "ui/progress/ClickableLabel.h"
 #include "ui/results/DuplicatedFilesTableModel.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QFile>
 #include <QMenu>
 #include <QPushButton>
 #include <QStackedWidget>
@@ -29,13 +32,19 @@ QString wrongWith(const QMessageBox *box,
                   QMessageBox::Icon icon,
                   const QString &title,
                   const QString &text,
-                  Qt::TextFormat format)
+                  Qt::TextFormat format,
+                  const QString &more,
+                  const QString &details)
 {
     if (box == nullptr) {
         return QStringLiteral("it is no message box");
     }
     if (box->windowTitle() != title || box->text() != text) {
         return QStringLiteral("it says \"%1\"").arg(box->text());
+    }
+    if (box->informativeText() != more || box->detailedText() != details) {
+        return QStringLiteral("it adds \"%1\" and \"%2\"")
+            .arg(box->informativeText(), box->detailedText());
     }
     if (box->icon() != icon || box->textFormat() != format) {
         return QStringLiteral("its icon is %1, its format %2")
@@ -64,6 +73,24 @@ ResultsPage::ResultsPage()
 
 void ResultsPage::scanned(const QList<QStringList> &groups)
 {
+    *ScanFindings::instance() = {};
+    hub.emitModelEvent(FindDuplicatedFilesFinishedEvent(groups));
+}
+
+void ResultsPage::scanned(const QList<QStringList> &groups, const QList<QStringList> &exactGroups)
+{
+    ScanFindings &findings = *ScanFindings::instance();
+    findings = {};
+    findings.groups = groups;
+    for (const QStringList &paths : exactGroups) {
+        QVector<ScannedFile> files;
+        for (const QString &path : paths) {
+            struct stat status = {};
+            ::stat(QFile::encodeName(path).constData(), &status);
+            files.append({path, status.st_size, FileTime::modified(status)});
+        }
+        findings.exactGroups.append(files);
+    }
     hub.emitModelEvent(FindDuplicatedFilesFinishedEvent(groups));
 }
 
@@ -159,12 +186,20 @@ void ResultsPage::expectBox(QMessageBox::Icon icon,
                             const QString &title,
                             const QString &text,
                             QMessageBox::StandardButton answer,
-                            Qt::TextFormat format)
+                            Qt::TextFormat format,
+                            const QString &more,
+                            const QString &details)
 {
     boxes.expect(
         title,
         [=](QWidget *widget) {
-            return wrongWith(qobject_cast<QMessageBox *>(widget), icon, title, text, format);
+            return wrongWith(qobject_cast<QMessageBox *>(widget),
+                             icon,
+                             title,
+                             text,
+                             format,
+                             more,
+                             details);
         },
         [=](QWidget *widget) {
             QTest::mouseClick(qobject_cast<QMessageBox *>(widget)->button(answer), Qt::LeftButton);
@@ -187,12 +222,15 @@ void ResultsPage::expectDeletion(int count, QMessageBox::StandardButton answer)
               answer);
 }
 
-void ResultsPage::expectComplete()
+void ResultsPage::expectComplete(const QString &more, const QString &details)
 {
     expectBox(QMessageBox::Information,
               QStringLiteral("Complete!"),
               QStringLiteral("Duplicated files was deleted!"),
-              QMessageBox::Ok);
+              QMessageBox::Ok,
+              Qt::PlainText,
+              more,
+              details);
 }
 
 void ResultsPage::expectFileSaved()

@@ -27,8 +27,10 @@ class ResultsPage final
 public:
     ResultsPage();
 
-    /** The end of a scan that has found these groups. */
+    /** The end of a scan that has found these groups, and nothing beside them. */
     void scanned(const QList<QStringList> &groups);
+    /** The same of a scan that knows which of the files, as they are now, have one content. */
+    void scanned(const QList<QStringList> &groups, const QList<QStringList> &exactGroups);
 
     QTableView *table() const;
     DuplicatedFilesTableModel *rows() const;
@@ -52,10 +54,13 @@ public:
                    const QString &title,
                    const QString &text,
                    QMessageBox::StandardButton answer,
-                   Qt::TextFormat format = Qt::PlainText);
+                   Qt::TextFormat format = Qt::PlainText,
+                   const QString &more = QString(),
+                   const QString &details = QString());
     /** The two boxes before files are moved to the trash. */
     void expectDeletion(int count, QMessageBox::StandardButton answer);
-    void expectComplete();
+    /** With what it says of files that were left, below its text and in its details. */
+    void expectComplete(const QString &more = QString(), const QString &details = QString());
     void expectFileSaved();
 
     MainWindow window;

@@ -3,6 +3,7 @@
 #include "tests/support/SmallFiles.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
+#include "ui/results/FileState.h"
 #include "ui/results/Trash.h"
 
 #include <QDateTime>
@@ -12,6 +13,7 @@
 #include <QStorageInfo>
 
 #include <unistd.h>
+#include <utime.h>
 
 class tst_Trash final : public TestCase
 {
@@ -40,6 +42,9 @@ private slots:
     void failsWhereTheTrashIsClosed_data();
     void failsWhereTheTrashIsClosed();
     void movesToTheTrashOfAnotherVolume();
+    void movesTheFileThatWasSeen();
+    void leavesAnyOtherFileThanTheOneSeen_data();
+    void leavesAnyOtherFileThanTheOneSeen();
 
 private:
     QByteArray infoOf(const QString &name) const
@@ -386,6 +391,82 @@ void tst_Trash::movesToTheTrashOfAnotherVolume()
     QVERIFY(!QFileInfo::exists(file));
     QCOMPARE(TempTree::read(moved), QByteArray("content"));
     QVERIFY(TempTree::read(note).contains("\nPath=" + QFile::encodeName(name) + "\n"));
+}
+
+void tst_Trash::movesTheFileThatWasSeen()
+{
+    // A file that is what it was when it was looked at goes, also through a link to its folder, and
+    // without the right to read it.
+    const TempTree tree(path(QString()));
+    tree.link(QStringLiteral("link"), tree.folder(QStringLiteral("folder")));
+    tree.file(QStringLiteral("folder/a.txt"), "content");
+    tree.setMode(QStringLiteral("folder/a.txt"), 0);
+    const QString file = tree.path(QStringLiteral("link/a.txt"));
+    const FileState seen = FileState::of(file);
+    {
+        const RestrictedRights rights;
+        QVERIFY(Trash::moveFile(file, &seen));
+    }
+    QVERIFY(!QFileInfo::exists(file));
+    QCOMPARE(TempTree::read(homeTrash() + QStringLiteral("/files/a.txt")), QByteArray("content"));
+    QVERIFY(infoOf(QStringLiteral("a.txt")).contains("/link/a.txt\n"));
+}
+
+void tst_Trash::leavesAnyOtherFileThanTheOneSeen_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char *kind : {"gone",
+                             "another file of its size and time",
+                             "written to",
+                             "a link to it",
+                             "a folder",
+                             "its folder is a link to another one"}) {
+        QTest::newRow(kind) << QString::fromLatin1(kind);
+    }
+}
+
+void tst_Trash::leavesAnyOtherFileThanTheOneSeen()
+{
+    // What has taken the place of the file that was looked at stays there, and so does that file,
+    // wherever it is by now.
+    QFETCH(QString, kind);
+    const TempTree tree(path(QStringLiteral("tree")));
+    const QString file = tree.file(QStringLiteral("folder/a.txt"), "content");
+    const QString other = tree.file(QStringLiteral("other/a.txt"), "CONTENT");
+    const QString aside = tree.path(QStringLiteral("aside"));
+    const utimbuf sameTime = {1000000, 1000000};
+    QCOMPARE(::utime(QFile::encodeName(file).constData(), &sameTime), 0);
+    QCOMPARE(::utime(QFile::encodeName(other).constData(), &sameTime), 0);
+    const FileState seen = FileState::of(file);
+    QByteArray there = "content";
+    if (kind == QStringLiteral("written to")) {
+        tree.file(QStringLiteral("folder/a.txt"), "more content");
+        there = "more content";
+    } else if (kind == QStringLiteral("its folder is a link to another one")) {
+        QVERIFY(QDir().rename(tree.path(QStringLiteral("folder")), aside));
+        tree.link(QStringLiteral("folder"), tree.path(QStringLiteral("other")));
+        there = "CONTENT";
+    } else {
+        QVERIFY(QFile::rename(file, aside));
+        if (kind == QStringLiteral("another file of its size and time")) {
+            QVERIFY(QFile::rename(other, file));
+            there = "CONTENT";
+        } else if (kind == QStringLiteral("a link to it")) {
+            tree.link(QStringLiteral("folder/a.txt"), aside);
+        } else if (kind == QStringLiteral("a folder")) {
+            tree.folder(QStringLiteral("folder/a.txt"));
+        }
+    }
+    QVERIFY(!Trash::moveFile(file, &seen));
+    const QFileInfo left(file);
+    QCOMPARE(left.exists(), kind != QStringLiteral("gone"));
+    QCOMPARE(left.isSymLink(), kind == QStringLiteral("a link to it"));
+    QCOMPARE(left.isDir(), kind == QStringLiteral("a folder"));
+    if (left.isFile()) {
+        QCOMPARE(TempTree::read(file), there);
+    }
+    QCOMPARE(inTrash(QStringLiteral("files")), QStringList());
+    QCOMPARE(inTrash(QStringLiteral("info")), QStringList());
 }
 
 TWINSIFT_TEST_MAIN(tst_Trash)

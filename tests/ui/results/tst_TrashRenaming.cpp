@@ -1,18 +1,33 @@
 // SPDX-License-Identifier: MIT
+#include "tests/support/Hook.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
+#include "tests/ui/results/ResultsPage.h"
+#include "ui/results/FileState.h"
 #include "ui/results/Trash.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 #include <cerrno>
+#include <functional>
+#include <utility>
 
 namespace
 {
 enum class Renaming { AsUsual, NotWithoutReplacing, DoneButSaysNo, Refused };
 
 Renaming renaming = Renaming::AsUsual;
+/** What happens right before, and right after, the next renaming. */
+std::function<void()> before;
+std::function<void()> after;
+
+void happen(std::function<void()> *change)
+{
+    if (const auto next = std::exchange(*change, nullptr)) {
+        next();
+    }
+}
 } // namespace
 
 // The linker leads the program's call here.
@@ -28,8 +43,13 @@ extern "C" int __wrap_renameat2(int oldFolder,
                                 const char *name,
                                 unsigned flags)
 {
+    happen(&before);
     if (renaming == Renaming::AsUsual) {
-        return __real_renameat2(oldFolder, oldName, folder, name, flags);
+        const int result = __real_renameat2(oldFolder, oldName, folder, name, flags);
+        const int error = errno;
+        happen(&after);
+        errno = error;
+        return result;
     }
     if (renaming == Renaming::DoneButSaysNo) {
         __real_renameat2(oldFolder, oldName, folder, name, flags);
@@ -49,6 +69,11 @@ private slots:
     void replacesNothing();
     void believesWhatItSees();
     void fileStaysWithoutANote();
+    void putsBackWhatWasSwapped_data();
+    void putsBackWhatWasSwapped();
+    void keepsWhatCannotBePutBack();
+    void movesTheFileWhoseFolderIsSwapped();
+    void pageMovesWhatItHasLookedAt();
 
 private:
     QByteArray inTrash(const QString &name) const
@@ -107,6 +132,101 @@ void tst_TrashRenaming::fileStaysWithoutANote()
     QCOMPARE(TempTree::read(file), QByteArray("content"));
     QVERIFY(QDir(homeTrash() + QStringLiteral("/files")).isEmpty());
     QVERIFY(QDir(homeTrash() + QStringLiteral("/info")).isEmpty());
+}
+
+void tst_TrashRenaming::putsBackWhatWasSwapped_data()
+{
+    QTest::addColumn<QString>("kind");
+    for (const char *kind : {"a file", "a link", "a folder"}) {
+        QTest::newRow(kind) << QString::fromLatin1(kind);
+    }
+}
+
+void tst_TrashRenaming::putsBackWhatWasSwapped()
+{
+    // What takes the place of the file in the very last moment is back there, and no note is left.
+    QFETCH(QString, kind);
+    const TempTree tree(path(QString()));
+    const QString file = tree.file(QStringLiteral("a"), "content");
+    const QString aside = tree.path(QStringLiteral("aside"));
+    const FileState seen = FileState::of(file);
+    const Hook swap(&before, [&] {
+        QFile::rename(file, aside);
+        if (kind == QStringLiteral("a file")) {
+            tree.file(QStringLiteral("a"), "another");
+        } else if (kind == QStringLiteral("a link")) {
+            tree.link(QStringLiteral("a"), aside);
+        } else {
+            tree.folder(QStringLiteral("a"));
+        }
+    });
+    QVERIFY(!Trash::moveFile(file, &seen));
+    QCOMPARE(TempTree::read(aside), QByteArray("content"));
+    const QFileInfo there(file);
+    QCOMPARE(there.isSymLink(), kind == QStringLiteral("a link"));
+    QCOMPARE(there.isDir(), kind == QStringLiteral("a folder"));
+    if (kind == QStringLiteral("a file")) {
+        QCOMPARE(TempTree::read(file), QByteArray("another"));
+    }
+    QVERIFY(QDir(homeTrash() + QStringLiteral("/files")).isEmpty());
+    QVERIFY(QDir(homeTrash() + QStringLiteral("/info")).isEmpty());
+}
+
+void tst_TrashRenaming::keepsWhatCannotBePutBack()
+{
+    // Where the place is taken once more, nothing there is replaced: what came to the trash stays in
+    // it with its note.
+    const TempTree tree(path(QString()));
+    const QString file = tree.file(QStringLiteral("a"), "content");
+    const FileState seen = FileState::of(file);
+    const Hook swap(&before, [&] {
+        QFile::rename(file, tree.path(QStringLiteral("aside")));
+        tree.file(QStringLiteral("a"), "another");
+    });
+    const Hook swapBack(&after, [&] { tree.file(QStringLiteral("a"), "a third"); });
+    QVERIFY(!Trash::moveFile(file, &seen));
+    QCOMPARE(TempTree::read(file), QByteArray("a third"));
+    QCOMPARE(inTrash(QStringLiteral("files/a")), QByteArray("another"));
+    QVERIFY(inTrash(QStringLiteral("info/a.trashinfo")).contains("/a\n"));
+}
+
+void tst_TrashRenaming::movesTheFileWhoseFolderIsSwapped()
+{
+    // A folder that becomes a link to another one in the last moment changes nothing: the file that
+    // was seen goes, and its namesake stays.
+    const TempTree tree(path(QString()));
+    const QString file = tree.file(QStringLiteral("folder/a"), "content");
+    const QString other = tree.file(QStringLiteral("other/a"), "another");
+    const FileState seen = FileState::of(file);
+    const Hook swap(&before, [&] {
+        QDir().rename(tree.path(QStringLiteral("folder")), tree.path(QStringLiteral("aside")));
+        tree.link(QStringLiteral("folder"), tree.path(QStringLiteral("other")));
+    });
+    QVERIFY(Trash::moveFile(file, &seen));
+    QCOMPARE(TempTree::read(other), QByteArray("another"));
+    QCOMPARE(inTrash(QStringLiteral("files/a")), QByteArray("content"));
+    QVERIFY(!QFileInfo::exists(tree.path(QStringLiteral("aside/a"))));
+}
+
+void tst_TrashRenaming::pageMovesWhatItHasLookedAt()
+{
+    // A deletion on the results page leaves what takes the place of a ticked file after its look.
+    const TempTree tree(path(QStringLiteral("tree")));
+    const QStringList group = {tree.file(QStringLiteral("a"), "content"),
+                               tree.file(QStringLiteral("kept"), "content")};
+    ResultsPage results;
+    results.scanned({group}, {group});
+    const Hook swap(&before, [&] {
+        QFile::rename(group.first(), tree.path(QStringLiteral("aside")));
+        tree.file(QStringLiteral("a"), "another");
+    });
+    expectMessage(QtDebugMsg, QStringLiteral("Cannot remove file: ") + group.first());
+    results.expectComplete();
+    results.page.deleteSelectedFiles();
+    QCOMPARE(results.boxes.failures(), QStringList());
+    QVERIFY(!before);
+    QCOMPARE(TempTree::read(group.first()), QByteArray("another"));
+    QVERIFY(QDir(homeTrash() + QStringLiteral("/files")).isEmpty());
 }
 
 TWINSIFT_TEST_MAIN(tst_TrashRenaming)
