@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "ui/config/FileSystemTreeModel.h"
 
-#include <algorithm>
+#include "ui/config/SystemFolders.h"
 
-namespace
-{
-// They hold the whole disk and everybody's files; a tick there means the folders in them.
-bool isExcludedRoot(const QString &path)
-{
-    return path == QLatin1String("/") || path == QLatin1String("/Users");
-}
-} // namespace
+#include <QDir>
+
+#include <algorithm>
 
 FileSystemTreeModel::FileSystemTreeModel(QObject *parent)
     : QFileSystemModel(parent)
@@ -26,11 +21,23 @@ FileSystemTreeModel::FileSystemTreeModel(QObject *parent)
     });
 }
 
+QModelIndex FileSystemTreeModel::setRootPath(const QString &path)
+{
+    const QModelIndex folder = index(path);
+    if (folder.isValid()) {
+        // The base class sorts what is below its root path: here, everything.
+        QFileSystemModel::setRootPath(QString());
+        chosenPath = QDir::cleanPath(path);
+        fetchMore(folder);
+    }
+    return folder;
+}
+
 QStringList FileSystemTreeModel::selectedFolders(const QModelIndex &index) const
 {
     const QString path = filePath(index);
     const Qt::CheckState state = stateOf(index);
-    if (state == Qt::Checked && !isExcludedRoot(path)) {
+    if (state == Qt::Checked && !SystemFolders::isExcludedRoot(path)) {
         return QStringList(path);
     }
     QStringList folders;
@@ -87,17 +94,7 @@ void FileSystemTreeModel::unexpandedindex(const QModelIndex &index)
 bool FileSystemTreeModel::isOneOfSystemFolders() const
 {
     const QStringList folders = selectedFolders(QModelIndex());
-    return std::any_of(folders.cbegin(), folders.cend(), touchesSystemFolder);
-}
-
-bool FileSystemTreeModel::touchesSystemFolder(const QString &folder)
-{
-    static const QStringList systemFolders = {QStringLiteral("/Applications"),
-                                              QStringLiteral("/Library"),
-                                              QStringLiteral("/System")};
-    return std::any_of(systemFolders.cbegin(), systemFolders.cend(), [&](const QString &system) {
-        return folder.contains(system) || system.startsWith(folder);
-    });
+    return std::any_of(folders.cbegin(), folders.cend(), SystemFolders::touches);
 }
 
 int FileSystemTreeModel::columnCount(const QModelIndex &parent) const
@@ -224,7 +221,7 @@ void FileSystemTreeModel::appendSelected(const QModelIndex &index,
         const QString childPath = index.isValid()
             ? prefix + QFileSystemModel::data(child, FileNameRole).toString()
             : filePath(child);
-        if (state == Qt::Checked && !isExcludedRoot(childPath)) {
+        if (state == Qt::Checked && !SystemFolders::isExcludedRoot(childPath)) {
             folders->append(childPath);
         } else {
             appendSelected(child, childPath, folders);
