@@ -68,6 +68,8 @@ private:
     void fillView();
     /** No horizontal scroll bar for the few pixels that lie under the view's frame. */
     void offerScrolling();
+    /** By whomever: until the next time that they fill the view, the columns are left alone. */
+    void onSectionResized();
     void toggleRow(const QModelIndex &index);
     void askToDeleteSelectedFiles();
     /** The text is plain unless it is announced as rich; the answer is No for a closed question. */
@@ -89,4 +91,7 @@ private:
     /** The row that the open context menu is about. */
     qint32 contextRow = -1;
     bool areColumnsOutdated = false;
+    static constexpr int noWidth = -1;
+    /** The view's width for which the columns were widened, while nobody has resized one since. */
+    int filledWidth = noWidth;
 };

@@ -51,6 +51,12 @@ bool FilepathDelegate::helpEvent(QHelpEvent *event,
     return event->isAccepted();
 }
 
+void FilepathDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
+{
+    QStyledItemDelegate::initStyleOption(option, index);
+    option->direction = Qt::LeftToRight;
+}
+
 QString FilepathDelegate::displayedToolTip(const QString &toolTip, const QString &path)
 {
     if (toolTip == path) {

@@ -23,6 +23,11 @@ public:
                    const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
 
+protected:
+    /** A path reads from its slash, also where the language reads from the right. */
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
+
+public:
     /** The model's tool tip for a path, with whatever would be read as markup in the path escaped. */
     static QString displayedToolTip(const QString &toolTip, const QString &path);
 };
