@@ -218,7 +218,9 @@ void FileTypesWidget::resizeToEntries()
         2 * listWidget->frameWidth() + listWidget->verticalScrollBar()->sizeHint().width();
     const QSize list = (rows + QSize(border, border)).expandedTo(listWidget->sizeHint());
     const QSize wanted = sizeHint() - listWidget->sizeHint() + list;
-    resize(wanted.boundedTo(QGuiApplication::primaryScreen()->availableSize() - frameAllowance));
+    // A screen may be away for a while.
+    const QScreen *const screen = QGuiApplication::primaryScreen();
+    resize(screen == nullptr ? wanted : wanted.boundedTo(screen->availableSize() - frameAllowance));
 }
 
 // A window of its own, which may outlive this one.
