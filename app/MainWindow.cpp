@@ -8,7 +8,9 @@
 #include "engine/Background.h"
 #include "engine/Configuration.h"
 #include "engine/FileFinderEngine.h"
+#include "ui/LightPalette.h"
 #include "ui/Picture.h"
+#include "ui/ScreenFit.h"
 #include "ui/SideWindow.h"
 #include "ui/config/ScanConfigurationWidget.h"
 #include "ui/progress/AboutWidget.h"
@@ -20,12 +22,13 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDesktopWidget>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLayout>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPainter>
-#include <QPalette>
 #include <QStackedWidget>
 #include <QThread>
 #include <QTimer>
@@ -61,21 +64,12 @@ void keepForProcess(Controller *controller)
     controllers->append(controller);
 }
 
-// Texts are black on the window's white, whatever the desktop's colours are.
-void installPalette()
-{
-    QPalette palette;
-    palette.setBrush(QPalette::WindowText, Qt::black);
-    palette.setBrush(QPalette::Text, Qt::black);
-    QGuiApplication::setPalette(palette);
-}
-
 int desktopPixelRatio()
 {
-    // Of the whole desktop, not of one screen.
+    // Of the whole desktop, not of one screen; the toolkit cuts it to a whole number, 0 below 1.
     QT_WARNING_PUSH
     QT_WARNING_DISABLE_DEPRECATED
-    return QApplication::desktop()->devicePixelRatio();
+    return qMax(1, QApplication::desktop()->devicePixelRatio());
     QT_WARNING_POP
 }
 } // namespace
@@ -84,7 +78,7 @@ MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent)
 {
     setWindowIcon(QIcon(QStringLiteral(":/content/search-drive.png")));
-    installPalette();
+    LightPalette::install();
     model = new Model(this);
     connect(model,
             SIGNAL(modelEvent(const ModelEvent*)), this, SLOT(onModelEvent(const ModelEvent*)));
@@ -106,6 +100,7 @@ MainWindow::MainWindow(QWidget *parent)
     controller->checkUpdate();
     startEngine();
     setFittingSize();
+    new ScreenFit(this);
 }
 
 MainWindow::~MainWindow()
@@ -207,8 +202,9 @@ void MainWindow::setFittingSize()
     const int ratio = desktopPixelRatio();
     setMinimumSize(minimumWidthPixels / ratio, minimumHeightPixels / ratio);
     // A minimum that is set by hand goes before that of the layout, and at a ratio of 2 it is less
-    // than page 0 needs: the window opens at a width at which nothing overlaps.
-    resize(minimumSize().expandedTo(centralWidget()->minimumSizeHint()));
+    // than the pages need: the window opens at a size at which nothing overlaps, counters included.
+    const QSize roomForCounters(minimumWidthPixels, 0);
+    resize(minimumSize().expandedTo(layout()->totalMinimumSize()).expandedTo(roomForCounters));
 }
 
 // The timer belongs to the window: one of the toolkit's own single shots would fire after the
@@ -252,6 +248,15 @@ void MainWindow::paintEvent(QPaintEvent *event)
 {
     Q_UNUSED(event)
     QPainter(this).fillRect(0, 0, width(), height(), Qt::white);
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    // Desktops change their theme, and some put theirs in place only now.
+    if (event->type() == QEvent::PaletteChange) {
+        LightPalette::install();
+    }
 }
 
 void MainWindow::onModelEvent(const ModelEvent *modelEvent)

@@ -50,6 +50,7 @@ public:
     void showAboutDialog();
 
     void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 public slots:
     void onModelEvent(const ModelEvent *modelEvent);

@@ -28,6 +28,7 @@
 #include <QPixmap>
 #include <QPointer>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QScopeGuard>
 #include <QStackedWidget>
 #include <QTableView>
@@ -100,6 +101,8 @@ class tst_MainWindow final : public TestCase
 private slots:
     void slotsInDeclaredOrder();
     void freshStart();
+    void startButtonIsLarge();
+    void stopLeavesThePageAsItIs();
     void pagesInOrder();
     void eventsInTheOrderOfThePages();
     void header();
@@ -196,6 +199,43 @@ void tst_MainWindow::freshStart()
     QCOMPARE(window.minimumSize(), QSize(1024, 1280) / qRound(qApp->devicePixelRatio()));
     QVERIFY(!window.windowIcon().isNull());
     QCOMPARE(Configuration::instance()->nameFilters, QStringList({QStringLiteral("*.*")}));
+}
+
+void tst_MainWindow::startButtonIsLarge()
+{
+    // Half the width and an eighth of the height that a window has before it gets a size.
+    const MainWindow window;
+    for (const QPushButton *const button : window.findChildren<QPushButton *>()) {
+        if (button->text() == QLatin1String("Start scan")) {
+            QCOMPARE(button->minimumSize(), QSize(320, 60));
+            return;
+        }
+    }
+    QFAIL("there is no such button");
+}
+
+void tst_MainWindow::stopLeavesThePageAsItIs()
+{
+    // Until the groups come, the page of the progress shows what it showed before the stop.
+    MainWindow window;
+    window.setCurrentWidget(1);
+    modelOf(window)->emitModelEvent(FindAllFilesStartedEvent());
+    modelOf(window)->emitModelEvent(CountingFilesInFolderEvent(7, QStringLiteral("/a")));
+    modelOf(window)->emitModelEvent(FindDuplicatedFilesStartedEvent());
+    modelOf(window)->emitModelEvent(CountingFindFilesDuplicatedEvent(5, 3, 1 << 22));
+    const auto texts = [&window] {
+        QStringList all;
+        for (const QLabel *const label :
+             window.findChild<WidgetAnalyzeWaiting *>()->findChildren<QLabel *>()) {
+            all.append(label->text());
+        }
+        return all;
+    };
+    const QStringList before = texts();
+    QVERIFY(before.contains(QStringLiteral("<H1>3</H1>")));
+    window.stopScan();
+    QCOMPARE(texts(), before);
+    QCOMPARE(pages(window)->currentIndex(), 1);
 }
 
 void tst_MainWindow::pagesInOrder()

@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QFileInfo>
+#include <QFileSystemModel>
 #include <QListWidget>
 #include <QTableView>
 #include <QTreeView>
@@ -28,6 +29,7 @@ private slots:
     void scanReviewTrashAndScanAgain();
     void stopWithinAScan();
     void warningsBeforeAScan();
+    void byKeysAlone();
 
 private:
     using Setup = std::function<bool(WindowDriver &)>;
@@ -46,6 +48,43 @@ const QString completedText = QStringLiteral("completed");
 const QString deleteWarning = QStringLiteral(
     "<b>Warning!<br><br>Deleting files may cause some applications to crash.<br></b><br>Before "
     "deleting, we recommend to you check the list of files to be deleted.");
+
+void press(const QWidget *window, Qt::Key key)
+{
+    QTest::keyClick(window->focusWidget(), key);
+}
+
+// By the Tab key, past any other control.
+bool tabTo(const QWidget *window, const QString &name)
+{
+    for (int i = 0; i < 40; ++i) {
+        const QWidget *const focused = window->focusWidget();
+        const auto *const button = qobject_cast<const QAbstractButton *>(focused);
+        if (focused != nullptr
+            && (focused->accessibleName() == name
+                || (button != nullptr && button->text() == name))) {
+            return true;
+        }
+        QTest::keyClick(const_cast<QWidget *>(focused != nullptr ? focused : window), Qt::Key_Tab);
+    }
+    return false;
+}
+
+// Whether the focused control looks different from what it is without the focus.
+bool showsItsFocus(QWidget *window)
+{
+    // After a box it may still be on its way to be the active window again.
+    window->activateWindow();
+    if (!QTest::qWaitForWindowActive(window)) {
+        return false;
+    }
+    QWidget *const focused = window->focusWidget();
+    const QImage with = focused->grab().toImage();
+    focused->clearFocus();
+    const QImage without = focused->grab().toImage();
+    focused->setFocus(Qt::TabFocusReason);
+    return with != without;
+}
 
 QStringList namesOf(const QStringList &paths)
 {
@@ -279,6 +318,76 @@ void tst_WholeProgram::warningsBeforeAScan()
                            QMessageBox::Ok);
     QVERIFY2(driver.click(startText), qPrintable(driver.problem()));
     QCOMPARE(boxes.failures(), QStringList());
+    QCOMPARE(driver.page(), 0);
+}
+
+void tst_WholeProgram::byKeysAlone()
+{
+    // Choose, tick, start, look, delete, go back: without a mouse, and one sees where the focus is.
+    const TempTree tree(path(QStringLiteral("tree")));
+    tree.file(QStringLiteral("a.txt"), "one content");
+    tree.file(QStringLiteral("b.txt"), "one content");
+    MainWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    window.activateWindow();
+    ModalDriver boxes;
+    WindowDriver driver(&window, &boxes);
+
+    QVERIFY(tabTo(&window, QStringLiteral("Select folder...")));
+    boxes.expectFileDialog(QStringLiteral("Choose Directory"), tree.root());
+    press(&window, Qt::Key_Space);
+    QCOMPARE(boxes.failures(), QStringList());
+    QCOMPARE(window.focusWidget(), driver.tree());
+    QVERIFY(showsItsFocus(&window));
+    // A tick counts for the folders above as long as no other folder is loaded beside it.
+    const QFileInfo above(QFileInfo(tree.root()).path());
+    const auto *const folders = qobject_cast<QFileSystemModel *>(driver.tree()->model());
+    QTRY_VERIFY(folders->rowCount(folders->index(above.path())) > 1);
+    press(&window, Qt::Key_Space);
+    QCOMPARE(driver.folderState(tree.root()), Qt::Checked);
+
+    QVERIFY(tabTo(&window, startText));
+    QVERIFY(showsItsFocus(&window));
+    press(&window, Qt::Key_Space);
+    QVERIFY2(driver.waitForPage(1) && driver.waitUntilShown(completedText),
+             qPrintable(driver.problem()));
+    QCOMPARE(window.focusWidget()->accessibleName(), QStringLiteral("Scan Results"));
+    QVERIFY(showsItsFocus(&window));
+    press(&window, Qt::Key_Space);
+    QCOMPARE(driver.page(), 2);
+    QCOMPARE(window.focusWidget(), driver.table());
+    QVERIFY(showsItsFocus(&window));
+
+    // From the second row, which is ticked, to the first.
+    const QStringList paths = driver.column(2);
+    QCOMPARE(paths.size(), 2);
+    press(&window, Qt::Key_Home);
+    press(&window, Qt::Key_Space);
+    press(&window, Qt::Key_Down);
+    press(&window, Qt::Key_Space);
+    const auto answer = [&boxes](const QString &title, const QString &button) {
+        boxes.expect(
+            title,
+            [=](QWidget *box) {
+                const bool isThere = box->windowTitle() == title && tabTo(box, button);
+                return isThere ? QString() : box->windowTitle();
+            },
+            [](QWidget *box) { press(box, Qt::Key_Space); });
+    };
+    answer(QStringLiteral("Warning"), QStringLiteral("OK"));
+    answer(QStringLiteral("Delete Duplicate Files"), QStringLiteral("&Yes"));
+    answer(QStringLiteral("Complete!"), QStringLiteral("OK"));
+    QVERIFY(tabTo(&window, QStringLiteral("Delete Selected Files")));
+    QVERIFY(showsItsFocus(&window));
+    press(&window, Qt::Key_Space);
+    QTRY_COMPARE(boxes.failures(), QStringList());
+    QVERIFY(!QFileInfo::exists(paths.at(0)));
+    QVERIFY(QFileInfo::exists(paths.at(1)));
+
+    QVERIFY(tabTo(&window, QStringLiteral("Scan Configuration")));
+    QVERIFY(showsItsFocus(&window));
+    press(&window, Qt::Key_Space);
     QCOMPARE(driver.page(), 0);
 }
 

@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "ui/config/FileSystemTreeModel.h"
 
-#include <algorithm>
+#include "ui/config/SystemFolders.h"
 
-namespace
-{
-// They hold the whole disk and everybody's files; a tick there means the folders in them.
-bool isExcludedRoot(const QString &path)
-{
-    return path == QLatin1String("/") || path == QLatin1String("/Users");
-}
-} // namespace
+#include <QDir>
+
+#include <algorithm>
 
 FileSystemTreeModel::FileSystemTreeModel(QObject *parent)
     : QFileSystemModel(parent)
@@ -24,6 +19,18 @@ FileSystemTreeModel::FileSystemTreeModel(QObject *parent)
     connect(this, &QFileSystemModel::directoryLoaded, this, [this](const QString &path) {
         loadingPaths.remove(path);
     });
+}
+
+QModelIndex FileSystemTreeModel::setRootPath(const QString &path)
+{
+    const QModelIndex folder = index(path);
+    if (folder.isValid()) {
+        // The base class sorts what is below its root path: here, everything.
+        QFileSystemModel::setRootPath(QString());
+        chosenPath = QDir::cleanPath(path);
+        fetchMore(folder);
+    }
+    return folder;
 }
 
 QStringList FileSystemTreeModel::selectedFolders(const QModelIndex &index) const
@@ -80,17 +87,7 @@ void FileSystemTreeModel::unexpandedindex(const QModelIndex &index)
 bool FileSystemTreeModel::isOneOfSystemFolders() const
 {
     const QStringList folders = selectedFolders(QModelIndex());
-    return std::any_of(folders.cbegin(), folders.cend(), touchesSystemFolder);
-}
-
-bool FileSystemTreeModel::touchesSystemFolder(const QString &folder)
-{
-    static const QStringList systemFolders = {QStringLiteral("/Applications"),
-                                              QStringLiteral("/Library"),
-                                              QStringLiteral("/System")};
-    return std::any_of(systemFolders.cbegin(), systemFolders.cend(), [&](const QString &system) {
-        return folder.contains(system) || system.startsWith(folder);
-    });
+    return std::any_of(folders.cbegin(), folders.cend(), SystemFolders::touches);
 }
 
 int FileSystemTreeModel::columnCount(const QModelIndex &parent) const
@@ -207,7 +204,7 @@ void FileSystemTreeModel::appendSelected(const QModelIndex &index,
                                          QStringList *folders) const
 {
     const Qt::CheckState state = stateOf(index);
-    if (state == Qt::Checked && !isExcludedRoot(path)) {
+    if (state == Qt::Checked && !SystemFolders::isExcludedRoot(path)) {
         folders->append(path);
         return;
     }

@@ -24,8 +24,16 @@ public:
     explicit FileSystemTreeModel(QObject *parent);
 
     /**
+     * Loads the folder and watches it. In place of the base class's function, which would leave what
+     * stands beside and above its root path in the order of the disk.
+     */
+    QModelIndex setRootPath(const QString &path);
+    /** The folder that was set last. */
+    QString rootPath() const { return chosenPath; }
+    /**
      * The highest ticked folders below and including the index, in tree order; an invalid index
-     * takes the whole tree. Never "/" or "/Users": what is ticked in them stands for them.
+     * takes the whole tree. Never "/" or the folder of everybody's homes: what is ticked in them
+     * stands for them.
      */
     QStringList selectedFolders(const QModelIndex &index) const;
     /** Re-evaluates every folder above the index from its loaded children; ignores the state. */
@@ -37,8 +45,6 @@ public:
     void unexpandedindex(const QModelIndex &index);
     /** True when a selected folder touches one of the system's own. */
     bool isOneOfSystemFolders() const;
-    /** True when the path holds the path of a system folder anywhere, or one begins with it. */
-    static bool touchesSystemFolder(const QString &folder);
 
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
@@ -69,4 +75,5 @@ private:
     // Checked only because all their loaded children are, not by a tick of their own.
     QSet<FolderId> checkedByChildren;
     QSet<QString> loadingPaths;
+    QString chosenPath;
 };

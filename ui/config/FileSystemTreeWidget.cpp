@@ -10,7 +10,9 @@
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPersistentModelIndex>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QStackedWidget>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -27,13 +29,26 @@ constexpr int folderPictureHeightPixels = 256;
 constexpr int treePage = 0;
 constexpr int pickingPage = 1;
 
-// A check box that is toggled by a key emits no clicked().
-class KeyAwareTreeView final : public QTreeView
+/**
+ * Says when a check box is toggled by a key, which emits no clicked(). Folders that are sorted while
+ * more are loaded move no row under the user's eyes: the current one, or else the first, stays.
+ */
+class FolderTreeView final : public QTreeView
 {
 public:
-    explicit KeyAwareTreeView(std::function<void()> afterToggle)
+    explicit FolderTreeView(std::function<void()> afterToggle)
         : onToggle(std::move(afterToggle))
     {
+    }
+
+    void setModel(QAbstractItemModel *model) override
+    {
+        // Before the view hears of the change, and after.
+        connect(model, &QAbstractItemModel::layoutAboutToBeChanged, this, [this] {
+            rememberRow();
+        });
+        QTreeView::setModel(model);
+        connect(model, &QAbstractItemModel::layoutChanged, this, [this] { restoreRow(); });
     }
 
 protected:
@@ -46,7 +61,28 @@ protected:
     }
 
 private:
+    void rememberRow()
+    {
+        const QRect rect = visualRect(currentIndex());
+        const bool isCurrentShown = !rect.isEmpty() && viewport()->rect().intersects(rect);
+        row = isCurrentShown ? currentIndex() : indexAt(QPoint(0, 0));
+        top = visualRect(row).top();
+    }
+
+    void restoreRow()
+    {
+        const int height = rowHeight(row);
+        if (row.isValid() && height > 0) {
+            executeDelayedItemsLayout();
+            // Scrolled by rows, all of one height.
+            const int rows = (visualRect(row).top() - top) / height;
+            verticalScrollBar()->setValue(verticalScrollBar()->value() + rows);
+        }
+    }
+
     std::function<void()> onToggle;
+    QPersistentModelIndex row;
+    int top = 0;
 };
 } // namespace
 
@@ -137,7 +173,7 @@ QWidget *FileSystemTreeWidget::createTreePage()
 {
     auto *const page = new QWidget;
     auto *const caption = new QLabel(QStringLiteral("Select folders to scan:"));
-    treeView = new KeyAwareTreeView([this] { updateViewport(); });
+    treeView = new FolderTreeView([this] { updateViewport(); });
     treeView->setSelectionMode(QAbstractItemView::ExtendedSelection);
     // All rows show an icon and a check box; measuring one row spares the view the others.
     treeView->setUniformRowHeights(true);

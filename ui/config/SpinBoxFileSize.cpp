@@ -159,7 +159,9 @@ void SpinBoxFileSize::createSpinBox()
 void SpinBoxFileSize::createUnitComboBox()
 {
     unitComboBox = new QComboBox(this);
-    unitComboBox->setAccessibleName(QStringLiteral("Unit"));
+    QString limit = checkBox->text();
+    limit.remove(QLatin1Char(':'));
+    unitComboBox->setAccessibleName(limit + QStringLiteral(", unit"));
     // Before the first item, which becomes the current one and shows the number without decimals.
     connect(unitComboBox, SIGNAL(currentIndexChanged(int)), this, SLOT(onTypeSizeChanged()));
     unitComboBox->addItem(QStringLiteral("KB"));

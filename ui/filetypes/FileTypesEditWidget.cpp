@@ -24,6 +24,8 @@ FileTypesEditWidget::FileTypesEditWidget(QWidget *parent)
     maskLineEdit = addField(QStringLiteral("Mask"));
     okButton = createButton(QStringLiteral("Ok"));
     cancelButton = createButton(QStringLiteral("Cancel"));
+    connect(nameLineEdit, SIGNAL(returnPressed()), okButton, SLOT(click()));
+    connect(maskLineEdit, SIGNAL(returnPressed()), okButton, SLOT(click()));
     auto *const buttonRow = new QHBoxLayout;
     buttonRow->addStretch();
     buttonRow->addWidget(okButton);

@@ -98,6 +98,7 @@ void WidgetAnalyzeWaiting::setStepWorking(StepWorking step)
     switch (step) {
     case StepFindAllFiles:
         buttonStopSearching->show();
+        focusOn(buttonStopSearching);
         buttonScanConfigurations->hide();
         buttonScanResults->setEnabled(false);
         titleLabel->setText(QStringLiteral("<h1>Analyzing...<h1>"));
@@ -200,6 +201,7 @@ void WidgetAnalyzeWaiting::onFinished()
 {
     titleLabel->setText(QStringLiteral("<h1>Finding duplicated files was completed!<h1>"));
     buttonScanResults->setEnabled(true);
+    focusOn(buttonScanResults);
     showEnd();
 }
 
@@ -209,6 +211,14 @@ void WidgetAnalyzeWaiting::onStopped()
     buttonScanResults->show();
     showEnd();
     titleLabel->setText(QStringLiteral("<h1>Finding duplicated files was stopped!<h1>"));
+}
+
+// A button that goes would hand the focus to the next control, which may be one that opens a browser.
+void WidgetAnalyzeWaiting::focusOn(ClickableLabel *button)
+{
+    if (isVisible()) {
+        button->setFocus();
+    }
 }
 
 void WidgetAnalyzeWaiting::showEnd()

@@ -48,6 +48,7 @@ private:
     void onFinished();
     void onStopped();
     /** Fills the bar and offers the ways on instead of stopping. */
+    void focusOn(ClickableLabel *button);
     void showEnd();
     void askToStop();
 

@@ -12,6 +12,7 @@
 #include "ui/results/LeftFiles.h"
 #include "ui/results/ListFile.h"
 #include "ui/results/MovingScreen.h"
+#include "ui/results/ResultsTableView.h"
 #include "ui/results/ThumbnailPrefetcher.h"
 #include "ui/results/Trash.h"
 
@@ -262,6 +263,7 @@ void DuplicatedFilesListWidget::showEvent(QShowEvent *event)
         fitColumns();
     }
     fillView();
+    tableView->setFocus();
 }
 
 bool DuplicatedFilesListWidget::eventFilter(QObject *watched, QEvent *event)
@@ -314,7 +316,8 @@ void DuplicatedFilesListWidget::createTable()
 {
     tableModel = new DuplicatedFilesTableModel;
     tableModel->setParent(this);
-    tableView = new QTableView(this);
+    tableView = new ResultsTableView(this);
+    tableView->setTextElideMode(Qt::ElideMiddle);
     tableView->setModel(tableModel);
     tableView->setItemDelegateForColumn(DuplicatedFilesTableModel::FilepathColumn,
                                         new FilepathDelegate(tableView));
@@ -349,7 +352,7 @@ void DuplicatedFilesListWidget::createTable()
     connect(tableView->horizontalHeader(),
             &QHeaderView::sectionResized,
             this,
-            &DuplicatedFilesListWidget::offerScrolling);
+            &DuplicatedFilesListWidget::onSectionResized);
 }
 
 ClickableLabel *DuplicatedFilesListWidget::createButton(const QString &text,
@@ -371,11 +374,18 @@ void DuplicatedFilesListWidget::fillView()
 {
     const int columns = tableView->horizontalHeader()->length();
     const int missing = tableView->viewport()->width() + 2 * tableView->frameWidth() - columns;
-    // Columns that fill the view make room for its scroll bar; wider ones are left alone.
-    if (missing > 0 || columns == tableView->width()) {
+    // What was widened here makes room for the scroll bar; other widths are left alone.
+    if (missing > 0 || filledWidth == tableView->width()) {
         const int filepath = DuplicatedFilesTableModel::FilepathColumn;
         tableView->setColumnWidth(filepath, tableView->columnWidth(filepath) + missing);
+        filledWidth = tableView->width();
     }
+    offerScrolling();
+}
+
+void DuplicatedFilesListWidget::onSectionResized()
+{
+    filledWidth = noWidth;
     offerScrolling();
 }
 

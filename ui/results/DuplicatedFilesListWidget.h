@@ -77,6 +77,8 @@ private:
     void fillView();
     /** No horizontal scroll bar for the few pixels that lie under the view's frame. */
     void offerScrolling();
+    /** By whomever: until the next time that they fill the view, the columns are left alone. */
+    void onSectionResized();
     void toggleRow(const QModelIndex &index);
     void askToDeleteSelectedFiles();
     LeftFiles moveTickedFiles();
@@ -104,4 +106,7 @@ private:
     /** What is shown, and what the scan knew when it handed that over. */
     QList<QStringList> shownGroups;
     ScanFindings findings;
+    static constexpr int noWidth = -1;
+    /** The view's width for which the columns were widened, while nobody has resized one since. */
+    int filledWidth = noWidth;
 };

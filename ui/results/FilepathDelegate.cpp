@@ -57,3 +57,9 @@ bool FilepathDelegate::helpEvent(QHelpEvent *event,
     event->accept();
     return true;
 }
+
+void FilepathDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const
+{
+    QStyledItemDelegate::initStyleOption(option, index);
+    option->direction = Qt::LeftToRight;
+}

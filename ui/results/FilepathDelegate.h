@@ -23,4 +23,8 @@ public:
                    QAbstractItemView *view,
                    const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
+
+protected:
+    /** A path reads from its slash, also where the language reads from the right. */
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
 };

@@ -3,6 +3,7 @@
 #include "tests/support/TestCase.h"
 #include "tests/ui/config/FolderLoads.h"
 #include "ui/config/FileSystemTreeModel.h"
+#include "ui/config/SystemFolders.h"
 
 #include <QAbstractItemModelTester>
 #include <QDir>
@@ -58,10 +59,9 @@ private slots:
     void selectionIsReducedAndInTreeOrder();
     void selectionBelowAnIndex();
     void tickedRootStandsForItsTickedChildren();
-    void tickedUsersFolderStandsForItsTickedChildren();
+    void selectionBelowTheRootIsThatOfItsChildren();
+    void foldersStandInAlphabeticalOrder();
     void selectedPathsAreThoseOfTheModel();
-    void systemFolders_data();
-    void systemFolders();
     void libraryInsideAHomeFolderCounts();
     void newFolderMovesNoTick();
     void newFolderInATickedOneIsNotTicked();
@@ -400,7 +400,7 @@ void tst_FileSystemTreeModel::tickedRootStandsForItsTickedChildren()
     QStringList children;
     for (int row = 0; row < model->rowCount(top); ++row) {
         const QString where = model->filePath(model->index(row, 0, top));
-        if (where != QLatin1String("/Users")) {
+        if (!SystemFolders::isExcludedRoot(where)) {
             children.append(where);
         }
     }
@@ -410,33 +410,19 @@ void tst_FileSystemTreeModel::tickedRootStandsForItsTickedChildren()
     QCOMPARE(selected(), children.mid(1));
 }
 
-void tst_FileSystemTreeModel::tickedUsersFolderStandsForItsTickedChildren()
+void tst_FileSystemTreeModel::selectionBelowTheRootIsThatOfItsChildren()
 {
-    // "/Users" is never selected; its ticked children are listed instead.
-    const QString users = QStringLiteral("/Users");
-    const QString user = QStringLiteral("/Users/twinsift-test");
-    const bool isMadeHere = !QFileInfo::exists(users);
-    if (isMadeHere && !QDir().mkpath(user)) {
-        QSKIP("There is no /Users here and it cannot be made");
-    }
-    struct Sweeper {
-        bool isMadeHere;
-        ~Sweeper()
-        {
-            if (isMadeHere) {
-                QDir().rmdir(QStringLiteral("/Users/twinsift-test"));
-                QDir().rmdir(QStringLiteral("/Users"));
-            }
-        }
-    } const sweeper{isMadeHere};
-    openAt(users);
-    set(users, Qt::Checked);
-    QStringList children;
-    for (int row = 0; row < model->rowCount(at(users)); ++row) {
-        children.append(model->filePath(model->index(row, 0, at(users))));
-    }
-    QVERIFY(!children.isEmpty());
-    QCOMPARE(selected(), children);
+    // The index of "/" gives what is ticked in it, never "/" itself.
+    openAt(root);
+    load(QDir::rootPath());
+    const QModelIndex top = at(QDir::rootPath());
+    const QModelIndex first = model->index(0, 0, top);
+    model->setData(first, Qt::Checked, Qt::CheckStateRole);
+    QCOMPARE(model->selectedFolders(top), selected());
+    model->setData(top, Qt::Checked, Qt::CheckStateRole);
+    QVERIFY(!model->selectedFolders(top).isEmpty());
+    QVERIFY(!model->selectedFolders(top).contains(QDir::rootPath()));
+    QCOMPARE(model->selectedFolders(top), selected());
 }
 
 void tst_FileSystemTreeModel::selectedPathsAreThoseOfTheModel()
@@ -465,37 +451,6 @@ void tst_FileSystemTreeModel::selectedPathsAreThoseOfTheModel()
     seen.sort();
     wanted.sort();
     QCOMPARE(seen, wanted);
-}
-
-void tst_FileSystemTreeModel::systemFolders_data()
-{
-    QTest::addColumn<QString>("where");
-    QTest::addColumn<bool>("touches");
-    const auto row = [](const char *where, bool touches) {
-        QTest::newRow(where) << QString::fromLatin1(where) << touches;
-    };
-    row("/Applications", true);
-    row("/Library", true);
-    row("/System", true);
-    row("/System/Library/Fonts", true);
-    row("/Users/somebody/Library", true);
-    row("/home/somebody/Applications", true);
-    row("/home/LibraryOfPictures", true);
-    row("/", true);
-    row("/Sys", true);
-    row("/L", true);
-    row("/home/library", false);
-    row("/applications", false);
-    row("/home/My Library", false);
-    row("/home/System.old", true);
-    row("/usr", false);
-}
-
-void tst_FileSystemTreeModel::systemFolders()
-{
-    // The path holds a system path anywhere, or is the beginning of one; case counts.
-    QFETCH(QString, where);
-    QTEST(FileSystemTreeModel::touchesSystemFolder(where), "touches");
 }
 
 void tst_FileSystemTreeModel::libraryInsideAHomeFolderCounts()
@@ -687,6 +642,32 @@ void tst_FileSystemTreeModel::manyChangesUnderExpandedFolders()
         TRY_COMPARE(model->rowCount(at(root)), 2);
         QCOMPARE(selected(), QStringList(kept));
     }
+}
+
+void tst_FileSystemTreeModel::foldersStandInAlphabeticalOrder()
+{
+    // Beside and above the chosen folder, too, the folder itself included; new ones find their place.
+    for (const char *name : {"m/q", "b", "Z", "a", "y/2", "y/1", "C"}) {
+        tree->folder(QLatin1String(name));
+    }
+    openAt(tree->path(QStringLiteral("m")));
+    load(root);
+    load(tree->path(QStringLiteral("y")));
+    const auto names = [this](const QString &where) {
+        QStringList all;
+        for (int row = 0; row < model->rowCount(at(where)); ++row) {
+            all.append(model->index(row, 0, at(where)).data().toString());
+        }
+        return all.join(QLatin1Char(' '));
+    };
+    QTRY_COMPARE(names(root), QStringLiteral("a b C m y Z"));
+    QTRY_COMPARE(names(tree->path(QStringLiteral("y"))), QStringLiteral("1 2"));
+    QCOMPARE(model->rootPath(), tree->path(QStringLiteral("m")));
+    tree->folder(QStringLiteral("D"));
+    QTRY_COMPARE(names(root), QStringLiteral("a b C D m y Z"));
+    // The chosen folder is still looked at.
+    tree->folder(QStringLiteral("m/p"));
+    QTRY_COMPARE(names(tree->path(QStringLiteral("m"))), QStringLiteral("p q"));
 }
 
 void tst_FileSystemTreeModel::keepsTheRulesOfAModel()

@@ -53,6 +53,7 @@ private slots:
     void collapsedFolderIsNotReachedByATickAbove();
     void partialFolderExpandedByMouseKeepsItsChildren();
     void visibleRowsAreRepaintedAfterAClick();
+    void visibleRowsAreRepaintedAfterExpandingAndCollapsing();
     void warningFollowsTheTickedFolders();
     void newFolderMovesNoTick();
     void deletedAndRenamedFoldersUnderAShownTree();
@@ -272,6 +273,10 @@ void tst_FileSystemTreeWidget::chosenFolderIsInViewWhenTheFoldersAboveAreLoaded(
     TRY_VERIFY(driver->model()->rowCount(driver->at(tree->root())) == 151);
     TRY_VERIFY(driver->isLoaded(tree->root()) && driver->isLoaded(QDir::rootPath()));
     TRY_VERIFY(inView());
+    // It is the last of them; the first of the rows is another one once they are sorted.
+    TRY_COMPARE(driver->childrenOf(tree->root()).first(), QStringLiteral("sibling0"));
+    QCOMPARE(driver->childrenOf(tree->root()).last(), QStringLiteral("zz"));
+    QVERIFY(inView());
 }
 
 void tst_FileSystemTreeWidget::wholeTreeIsShownWithoutHiddenFolders()
@@ -409,6 +414,25 @@ void tst_FileSystemTreeWidget::visibleRowsAreRepaintedAfterAClick()
     changed.clear();
     widget->onItemClicked(QModelIndex());
     QCOMPARE(changed.count(), 0);
+}
+
+void tst_FileSystemTreeWidget::visibleRowsAreRepaintedAfterExpandingAndCollapsing()
+{
+    // One dataChanged of the visible rows each time, without roles.
+    setUpTree();
+    const QString a = tree->path(QStringLiteral("a"));
+    driver->clickBranch(a);
+    TRY_VERIFY(driver->isSettledAt(a));
+    QSignalSpy changed(driver->model(),
+                       SIGNAL(dataChanged(QModelIndex, QModelIndex, QVector<int>)));
+    for (const bool isExpanded : {false, true}) {
+        changed.clear();
+        driver->clickBranch(a);
+        QCOMPARE(driver->view()->isExpanded(driver->at(a)), isExpanded);
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.first().at(0).toModelIndex(), driver->view()->indexAt(QPoint(0, 0)));
+        QVERIFY(changed.first().at(2).value<QVector<int>>().isEmpty());
+    }
 }
 
 void tst_FileSystemTreeWidget::warningFollowsTheTickedFolders()

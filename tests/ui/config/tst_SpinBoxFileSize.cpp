@@ -94,7 +94,9 @@ void tst_SpinBoxFileSize::freshInput()
     QCOMPARE(units()->itemText(1), QStringLiteral("MB"));
     QCOMPARE(units()->itemText(2), QStringLiteral("GB"));
     QCOMPARE(units()->currentIndex(), 0);
-    QVERIFY(!spinBox()->accessibleName().isEmpty() && !units()->accessibleName().isEmpty());
+    QCOMPARE(spinBox()->accessibleName(), checkBox()->text());
+    QCOMPARE(units()->accessibleName(),
+             QString(checkBox()->text()).remove(QLatin1Char(':')) + QStringLiteral(", unit"));
 }
 
 void tst_SpinBoxFileSize::layoutFromLeftToRight()

@@ -27,6 +27,7 @@ private slots:
 
     void layoutFromTopToBottom();
     void focusChainFollowsTheLayout();
+    void enterMeansOk();
     void currentMaskFillsTheFields_data();
     void currentMaskFillsTheFields();
     void okAddsANewEntry_data();
@@ -150,6 +151,24 @@ void tst_FileTypesEditWidget::focusChainFollowsTheLayout()
         QTest::keyClick(chain.at(i + 1), Qt::Key_Backtab);
         QVERIFY(chain.at(i)->hasFocus());
     }
+}
+
+void tst_FileTypesEditWidget::enterMeansOk()
+{
+    // In either field: a refused entry stays to be mended, a good one is handed on once.
+    driver->expectMessageBox(QStringLiteral("Warning"),
+                             QStringLiteral("One of fields are empty!"),
+                             QMessageBox::Ok,
+                             QMessageBox::Ok);
+    QTest::keyClicks(field(0), QStringLiteral("Name"));
+    QTest::keyClick(field(0), Qt::Key_Return);
+    QCOMPARE(driver->failures(), QStringList());
+    QCOMPARE(added->count(), 0);
+    QTest::keyClicks(field(1), QStringLiteral("*.x"));
+    QTest::keyClick(field(1), Qt::Key_Enter);
+    QTest::keyClick(field(1), Qt::Key_Enter);
+    QCOMPARE(added->count(), 1);
+    QCOMPARE(added->first().first().toString(), QStringLiteral("Name|*.x"));
 }
 
 void tst_FileTypesEditWidget::currentMaskFillsTheFields_data()

@@ -257,6 +257,8 @@ void tst_WidgetAnalyzeWaiting::focusOrder()
         QCOMPARE(page->focusWidget(), next);
     }
     model->emitModelEvent(FindDuplicatedFilesFinishedEvent({}));
+    QCOMPARE(page->focusWidget(), button(results));
+    outside.setFocus(Qt::TabFocusReason);
     for (QWidget *next : ended) {
         QTest::keyClick(page.get(), Qt::Key_Tab);
         QCOMPARE(page->focusWidget(), next);

@@ -60,6 +60,8 @@ private slots:
     void ignoresAllOtherEvents();
     void anEmptyResultEmptiesTheTable();
     void clickInTheFirstColumnTicksAndSelects();
+    void onlyTheUserScrollsSideways();
+    void tableHasTheFocusWhenThePageIsShown();
     void clickElsewhereOnlySelects();
     void tickingKeepsTheScrollPosition();
     void spaceTicksTheCurrentRow();
@@ -231,6 +233,54 @@ void tst_DuplicatedFilesListWidget::anEmptyResultEmptiesTheTable()
     results.scanned(twoGroups());
     results.scanned({});
     QCOMPARE(results.rows()->rowCount(), 0);
+}
+
+void tst_DuplicatedFilesListWidget::onlyTheUserScrollsSideways()
+{
+    // Clicks and moves from row to row leave the horizontal position; the arrow keys change it.
+    ResultsPage results;
+    const QString longName = QLatin1Char('/') + QString(400, QLatin1Char('d'));
+    results.scanned({{longName + QStringLiteral("/a"), longName + QStringLiteral("/b")}});
+    QTableView *const table = results.table();
+    QCOMPARE(table->textElideMode(), Qt::ElideMiddle);
+    const QScrollBar *const bar = table->horizontalScrollBar();
+    QTRY_VERIFY(bar->maximum() > 0);
+    const auto click = [&](int row) {
+        QTest::mouseClick(table->viewport(),
+                          Qt::LeftButton,
+                          Qt::NoModifier,
+                          QPoint(200, table->rowViewportPosition(row) + 5));
+    };
+    click(1);
+    QCOMPARE(table->currentIndex().row(), 1);
+    QCOMPARE(table->currentIndex().column(), 2);
+    QCOMPARE(bar->value(), 0);
+    QTest::keyClick(table, Qt::Key_Up);
+    QCOMPARE(table->currentIndex().row(), 0);
+    QCOMPARE(bar->value(), 0);
+    QTest::keyClick(table, Qt::Key_Right);
+    const int moved = bar->value();
+    QVERIFY(moved > 0);
+    QTest::keyClick(table, Qt::Key_Down);
+    QCOMPARE(table->currentIndex().row(), 1);
+    QCOMPARE(bar->value(), moved);
+    QTest::keyClick(table, Qt::Key_Left);
+    QCOMPARE(bar->value(), 0);
+}
+
+void tst_DuplicatedFilesListWidget::tableHasTheFocusWhenThePageIsShown()
+{
+    // Whichever control had it before.
+    MainWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    window.setCurrentWidget(2);
+    QVERIFY(qobject_cast<QTableView *>(window.focusWidget()) != nullptr);
+    QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+    QVERIFY(qobject_cast<QTableView *>(window.focusWidget()) == nullptr);
+    window.setCurrentWidget(0);
+    window.setCurrentWidget(2);
+    QVERIFY(qobject_cast<QTableView *>(window.focusWidget()) != nullptr);
 }
 
 void tst_DuplicatedFilesListWidget::clickInTheFirstColumnTicksAndSelects()

@@ -5,6 +5,7 @@
 #include "ui/results/FilepathDelegate.h"
 
 #include <QHelpEvent>
+#include <QPainter>
 #include <QStringListModel>
 #include <QTableView>
 #include <QToolTip>
@@ -41,6 +42,7 @@ private slots:
     void isAsWideAsWhatIsPainted();
     void leavesOtherModelsToTheToolkit();
     void showsThePathAsItReads();
+    void readsFromTheSlash();
 };
 
 void tst_FilepathDelegate::sizesAColumnWithoutDecoding()
@@ -121,6 +123,26 @@ void tst_FilepathDelegate::showsThePathAsItReads()
     QCOMPARE(QToolTip::text(), QStringLiteral("1"));
     QVERIFY(!rest(QPoint(20, 290)));
     QToolTip::hideText();
+}
+
+void tst_FilepathDelegate::readsFromTheSlash()
+{
+    // A path looks the same in a window that reads from the right.
+    QStringListModel model({QStringLiteral("/home/somebody/file.txt")});
+    const FilepathDelegate delegate(nullptr);
+    const auto picture = [&](Qt::LayoutDirection direction) {
+        QImage image(300, 30, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        QStyleOptionViewItem option;
+        option.rect = image.rect();
+        option.direction = direction;
+        option.palette = QGuiApplication::palette();
+        delegate.paint(&painter, option, model.index(0));
+        return image;
+    };
+    QVERIFY(picture(Qt::LeftToRight) != QImage(300, 30, QImage::Format_RGB32));
+    QCOMPARE(picture(Qt::RightToLeft), picture(Qt::LeftToRight));
 }
 
 TWINSIFT_TEST_MAIN(tst_FilepathDelegate)
