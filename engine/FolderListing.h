@@ -34,6 +34,9 @@ Entries list(const QString &folder, const FileMasks &masks);
 /** The absolute path without links, of a folder that exists; null when it cannot be told. */
 QString canonicalPath(const QString &folder);
 
+/** Whether two folders lie on one file system; false when it cannot be told. */
+bool areOnOneFileSystem(const QString &folder, const QString &other);
+
 /** The sorting of list(), for its implementations. */
 void sort(Entries *entries);
 } // namespace FolderListing

@@ -113,3 +113,11 @@ QString FolderListing::canonicalPath(const QString &folder)
         ::realpath(QFile::encodeName(folder).constData(), nullptr));
     return path ? QFile::decodeName(path.get()) : QString();
 }
+
+bool FolderListing::areOnOneFileSystem(const QString &folder, const QString &other)
+{
+    struct stat a = {};
+    struct stat b = {};
+    return ::stat(QFile::encodeName(folder).constData(), &a) == 0
+        && ::stat(QFile::encodeName(other).constData(), &b) == 0 && a.st_dev == b.st_dev;
+}

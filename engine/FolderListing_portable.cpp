@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QStorageInfo>
 
 FolderListing::Entries FolderListing::list(const QString &folder, const FileMasks &masks)
 {
@@ -29,4 +30,10 @@ FolderListing::Entries FolderListing::list(const QString &folder, const FileMask
 QString FolderListing::canonicalPath(const QString &folder)
 {
     return QFileInfo(folder).canonicalFilePath();
+}
+
+bool FolderListing::areOnOneFileSystem(const QString &folder, const QString &other)
+{
+    const QStorageInfo volume(folder);
+    return volume.isValid() && volume == QStorageInfo(other);
 }
