@@ -5,6 +5,7 @@
 
 #include <QCommandLineParser>
 #include <QPair>
+#include <QRegularExpression>
 #include <QVector>
 
 #include <algorithm>
@@ -199,12 +200,13 @@ bool readSize(const QCommandLineParser &parser, const QString &option, qint64 *b
     if (!parser.isSet(option)) {
         return true;
     }
-    const QString text = parser.value(option).toUpper();
-    const int power = text.isEmpty() ? 0 : QStringLiteral(" KMGT").indexOf(text.back());
-    const qint64 unit = Q_INT64_C(1) << (10 * std::max(power, 0));
+    static const QRegularExpression form(QStringLiteral("^([0-9]+)([KMGTkmgt]?)$"));
+    const QRegularExpressionMatch match = form.match(parser.value(option));
+    const int power = QStringLiteral("KMGT").indexOf(match.captured(2).toUpper()) + 1;
+    const qint64 unit = Q_INT64_C(1) << (match.capturedLength(2) > 0 ? 10 * power : 0);
     bool isNumber = false;
-    const qint64 number = (power > 0 ? text.chopped(1) : text).toLongLong(&isNumber);
-    if (!isNumber || number < 0 || number > std::numeric_limits<qint64>::max() / unit) {
+    const qint64 number = match.captured(1).toLongLong(&isNumber);
+    if (!isNumber || number > std::numeric_limits<qint64>::max() / unit) {
         *error = QStringLiteral("--%1 takes a size such as 500, 20K, 3M or 1G, not \"%2\"")
                      .arg(option, parser.value(option));
         return false;
