@@ -20,6 +20,7 @@
 #include <QThread>
 
 #include <iterator>
+#include <limits>
 #include <map>
 #include <utility>
 #include <vector>
@@ -29,6 +30,7 @@ namespace
 constexpr qint64 maxNanosecondsBetweenEventPasses = qint64(500) * 1000;
 // A file that is read in less time is read whole, whatever has been posted meanwhile.
 constexpr qint64 maxMillisecondsOfReading = 50;
+constexpr qint64 maxFileBytes = std::numeric_limits<qint64>::max();
 
 bool isLeaving()
 {
@@ -45,8 +47,17 @@ bool isExcluded(const QString &fileName, const QStringList &excludeMasks)
     return excludeMasks.contains(QStringLiteral("*.%1").arg(suffix), Qt::CaseInsensitive);
 }
 
-bool hasAcceptedSize(const QString &path, const ScanProfile &profile)
+bool isWithin(qint64 bytes, const WalkOptions &options)
 {
+    return options.minBytes <= bytes && bytes <= options.maxBytes;
+}
+
+bool hasAcceptedSize(const QString &path, const ScanProfile &profile, const WalkOptions &options)
+{
+    const bool isAnyBytes = isWithin(0, options) && isWithin(maxFileBytes, options);
+    if (!isAnyBytes && !isWithin(RegularFile::sizeOf(path), options)) {
+        return false;
+    }
     if (!profile.minSizeEnabled && !profile.maxSizeEnabled) {
         return true;
     }
@@ -61,6 +72,7 @@ struct FileFinderEngine::Walk {
     FileMasks includeMasks;
     QStringList excludeMasks;
     ScanProfile profile;
+    WalkOptions options;
 };
 
 // A folder that is being walked, with those above it up to where the walk began.
@@ -221,7 +233,8 @@ QFileInfoList FileFinderEngine::getFiles(const QStringList &includeMasks,
 {
     const Walk walk = {FileMasks(includeMasks),
                        excludeMasks,
-                       Configuration::instance()->scanProfile};
+                       Configuration::instance()->scanProfile,
+                       Configuration::instance()->walkOptions};
     QStringList names;
     walkFolder(walk, folder, nullptr, &names);
     QFileInfoList files;
@@ -241,14 +254,14 @@ void FileFinderEngine::walkFolder(const Walk &walk,
         stopRequested = true;
         return;
     }
-    FolderListing::Entries entries = FolderListing::list(folder, walk.includeMasks);
+    FolderListing::Entries entries = FolderListing::list(folder, walk.includeMasks, walk.options.takesHidden);
     Frame frame = {parent, QDir(folder).absolutePath(), std::move(entries.folders), {}};
     if (!frame.prefix.endsWith(QLatin1Char('/'))) {
         frame.prefix += QLatin1Char('/');
     }
     for (const QString &name : qAsConst(entries.files)) {
         const QString path = frame.prefix + name;
-        if (!isExcluded(name, walk.excludeMasks) && hasAcceptedSize(path, walk.profile)) {
+        if (!isExcluded(name, walk.excludeMasks) && hasAcceptedSize(path, walk.profile, walk.options)) {
             allFiles.append(path);
             letEventsIn();
         }
@@ -266,6 +279,11 @@ bool FileFinderEngine::walkSubfolders(const Walk &walk, const Frame &frame)
 {
     for (const FolderListing::Folder &subfolder : frame.subfolders) {
         const QString path = frame.prefix + subfolder.name;
+        if ((subfolder.isLink && !walk.options.followsLinks)
+            || (walk.options.staysOnFileSystem
+                && !FolderListing::areOnOneFileSystem(path, frame.prefix))) {
+            continue;
+        }
         // A link back up would be walked for ever.
         if (subfolder.isLink && frame.mayContain(FolderListing::canonicalPath(path))) {
             continue;

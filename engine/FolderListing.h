@@ -21,7 +21,7 @@ struct Entries {
 };
 
 /**
- * The names in a folder, hidden ones left out: the regular files that match the masks, and the
+ * The names in a folder, hidden ones left out unless they are asked for: the regular files that match the masks, and the
  * folders, among which are links to folders. Like the toolkit it also counts links to devices, to
  * FIFOs and to sockets among the folders, and leaves out names that are no valid UTF-8. A folder
  * that cannot be read is empty.
@@ -29,7 +29,7 @@ struct Entries {
  * Both lists are sorted by name ignoring case, names that differ in case alone by their characters.
  * The toolkit sorts so when it is asked for QDir::NoSort, which stands for the sorting of the QDir.
  */
-Entries list(const QString &folder, const FileMasks &masks);
+Entries list(const QString &folder, const FileMasks &masks, bool takesHidden = false);
 
 /** The absolute path without links, of a folder that exists; null when it cannot be told. */
 QString canonicalPath(const QString &folder);

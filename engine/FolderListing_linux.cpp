@@ -62,6 +62,11 @@ mode_t typeOf(int dirDescriptor, const dirent &entry)
                                       : typeOf(dirDescriptor, entry.d_name, AT_SYMLINK_NOFOLLOW);
 }
 
+bool isDotOrDotDot(const char *name)
+{
+    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+
 void addEntry(FolderListing::Entries *entries,
               const FileMasks &masks,
               int dirDescriptor,
@@ -89,7 +94,9 @@ void addEntry(FolderListing::Entries *entries,
 }
 } // namespace
 
-FolderListing::Entries FolderListing::list(const QString &folder, const FileMasks &masks)
+FolderListing::Entries FolderListing::list(const QString &folder,
+                                           const FileMasks &masks,
+                                           bool takesHidden)
 {
     Entries entries;
     const QByteArray path = QFile::encodeName(QDir(folder).path());
@@ -98,7 +105,7 @@ FolderListing::Entries FolderListing::list(const QString &folder, const FileMask
         return entries;
     }
     while (const dirent *const entry = ::readdir(dir.get())) {
-        if (entry->d_name[0] != '.') {
+        if (entry->d_name[0] != '.' || (takesHidden && !isDotOrDotDot(entry->d_name))) {
             addEntry(&entries, masks, ::dirfd(dir.get()), *entry);
         }
     }

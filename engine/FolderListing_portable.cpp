@@ -6,19 +6,23 @@
 #include <QFileInfo>
 #include <QStorageInfo>
 
-FolderListing::Entries FolderListing::list(const QString &folder, const FileMasks &masks)
+FolderListing::Entries FolderListing::list(const QString &folder,
+                                           const FileMasks &masks,
+                                           bool takesHidden)
 {
+    const QDir::Filters hidden = takesHidden ? QDir::Hidden : QDir::Filters();
     const QDir dir(folder);
     Entries entries;
     const QFileInfoList files =
-        dir.entryInfoList(QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot, QDir::NoSort);
+        dir.entryInfoList(QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot | hidden,
+                          QDir::NoSort);
     for (const QFileInfo &file : files) {
         if (masks.match(file.fileName())) {
             entries.files.append(file.fileName());
         }
     }
     const QFileInfoList folders =
-        dir.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
+        dir.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot | hidden, QDir::NoSort);
     for (const QFileInfo &subfolder : folders) {
         entries.folders.append({subfolder.fileName(), subfolder.isSymLink()});
     }

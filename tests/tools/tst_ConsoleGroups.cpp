@@ -32,6 +32,7 @@ private slots:
     void omitFirst();
     void separator();
     void summary();
+    void walkOptions();
 
 private:
     QByteArray file(const QByteArray &name, const QByteArray &content) const;
@@ -290,6 +291,30 @@ void tst_ConsoleGroups::summary()
                  .match(QString::fromUtf8(result.error))
                  .hasMatch(),
              result.error.constData());
+}
+
+void tst_ConsoleGroups::walkOptions()
+{
+    // What is hidden, behind links or of other sizes is taken as the options say.
+    const QByteArray a = file("a", "content");
+    const QByteArray hidden = file(".hidden/b", "content");
+    const QByteArray linked = QFile::encodeName(path(QStringLiteral("far/c")));
+    TempTree(path(QStringLiteral("far"))).file(QStringLiteral("c"), "content");
+    tree->link(QStringLiteral("link"), path(QStringLiteral("far")));
+    const QByteArray c = QFile::encodeName(tree->path(QStringLiteral("link/c")));
+    const QString noLinks = QStringLiteral("--no-links");
+    QCOMPARE(scan(), text({{a, c}}));
+    QCOMPARE(scan({QStringLiteral("--hidden")}), text({{a, hidden, c}}));
+    QCOMPARE(scan({noLinks}), QByteArray());
+    QCOMPARE(scan({noLinks, QStringLiteral("--hidden")}), text({{a, hidden}}));
+    QCOMPARE(scan({QStringLiteral("--min-size=7"), QStringLiteral("--max-size=7")}),
+             text({{a, c}}));
+    QCOMPARE(scan({QStringLiteral("--min-size=8")}), QByteArray());
+    const Console::Result result = Console::run({QStringLiteral("--files-from=-")},
+                                                tree->root(),
+                                                "../far\n.\n");
+    QCOMPARE(result.error, QByteArray());
+    QCOMPARE(result.output, text({{linked, a}}));
 }
 
 TWINSIFT_TEST_MAIN(tst_ConsoleGroups)
