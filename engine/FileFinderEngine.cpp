@@ -17,6 +17,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QThread>
 
 #include <iterator>
@@ -194,6 +195,7 @@ void FileFinderEngine::runScan()
     allFiles.clear();
     duplicatedGroups.clear();
     exactGroups.clear();
+    skipped.clear();
     *ScanFindings::instance() = ScanFindings();
     stopRequested = isLeaving();
     const ScanProfile profile = Configuration::instance()->scanProfile;
@@ -259,6 +261,7 @@ void FileFinderEngine::walkFolder(const Walk &walk,
     if (!frame.prefix.endsWith(QLatin1Char('/'))) {
         frame.prefix += QLatin1Char('/');
     }
+    skipUnlisted(frame.prefix, entries);
     for (const QString &name : qAsConst(entries.files)) {
         const QString path = frame.prefix + name;
         if (!isExcluded(name, walk.excludeMasks) && hasAcceptedSize(path, walk.profile, walk.options)) {
@@ -294,6 +297,23 @@ bool FileFinderEngine::walkSubfolders(const Walk &walk, const Frame &frame)
         }
     }
     return true;
+}
+
+void FileFinderEngine::skip(const QByteArray &path, const QString &reason)
+{
+    if (Configuration::instance()->keepsSkipped) {
+        skipped.append({path, reason});
+    }
+}
+
+void FileFinderEngine::skipUnlisted(const QString &folder, const FolderListing::Entries &entries)
+{
+    if (!entries.error.isEmpty()) {
+        skip(QFile::encodeName(QDir::cleanPath(folder)), entries.error);
+    }
+    for (const QByteArray &name : entries.unlisted) {
+        skip(QFile::encodeName(folder) + name, QStringLiteral("its name is no valid UTF-8"));
+    }
 }
 
 qint64 FileFinderEngine::sizeOfFile(const QString &path) const
@@ -354,6 +374,12 @@ bool FileFinderEngine::confirmBucket(const Bucket &bucket)
     ContentClasses classes(bucket.paths, [this] { return letEventsIn(); });
     if (!classes.sort()) {
         return false;
+    }
+    for (int i = 0; i < count; ++i) {
+        const ContentClasses::File &file = classes.files()[static_cast<std::size_t>(i)];
+        if (!file.isReadable) {
+            skip(QFile::encodeName(bucket.paths.at(i)), file.error);
+        }
     }
     keepExactGroups(bucket, classes);
     BucketPairs pairs(classes.files());
@@ -506,6 +532,11 @@ void FileFinderEngine::startFindDuplicatedFilesAdvanced()
             // The reading of the file may have been cut off, and the key is worth nothing.
             break;
         }
+        if (!checksum.isWhole) {
+            skip(QFile::encodeName(path),
+                 checksum.error.isEmpty() ? QStringLiteral("changed while it was read")
+                                          : checksum.error);
+        }
         readFiles.append({checksum.isWhole ? checksum.key : QString(),
                           checksum.size,
                           checksum.modified,
@@ -569,6 +600,7 @@ void FileFinderEngine::publish(const QList<QStringList> &groups) const
     ScanFindings *const findings = ScanFindings::instance();
     findings->groups = groups;
     findings->exactGroups = exactGroups.inOrder();
+    findings->skipped = skipped;
     findings->areContentsProven = !(profile.advancedMatch && profile.crcHash);
 }
 

@@ -18,6 +18,10 @@ class ContentClasses;
 class Controller;
 class DuplicateGroup;
 class Model;
+namespace FolderListing
+{
+struct Entries;
+}
 
 /**
  * The scan: finds the files of the chosen folders and groups the duplicates among them.
@@ -116,6 +120,8 @@ private:
     void announceFile(const QString &path);
     bool sortIntoBuckets(const QStringList &files, Buckets *buckets, QVector<int> *next);
     bool confirmBucket(const Bucket &bucket);
+    void skip(const QByteArray &path, const QString &reason);
+    void skipUnlisted(const QString &folder, const FolderListing::Entries &entries);
     void keepExactGroups(const Bucket &bucket, const ContentClasses &classes);
     bool addLonger(const Bucket &bucket, const ContentClasses &classes, BucketPairs *pairs);
     bool placeRow(Placement *placement, int first);
@@ -138,6 +144,7 @@ private:
     QStringList allFiles;
     QHash<QString, QStringList> duplicatedGroups;
     ExactGroups exactGroups;
+    QVector<SkippedPath> skipped;
     int countFoundedDuplicated = 0;
     qint32 summFileSize = 0;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -18,13 +19,17 @@ struct Folder {
 struct Entries {
     QStringList files;
     QVector<Folder> folders;
+    /** Why the folder could not be read to its end; empty if it could. */
+    QString error;
+    /** Names of files and folders that are no valid UTF-8. */
+    QVector<QByteArray> unlisted;
 };
 
 /**
  * The names in a folder, hidden ones left out unless they are asked for: the regular files that match the masks, and the
  * folders, among which are links to folders. Like the toolkit it also counts links to devices, to
  * FIFOs and to sockets among the folders, and leaves out names that are no valid UTF-8. A folder
- * that cannot be read is empty.
+ * that cannot be read is empty, with its reason; a link to no folder has none.
  *
  * Both lists are sorted by name ignoring case, names that differ in case alone by their characters.
  * The toolkit sorts so when it is asked for QDir::NoSort, which stands for the sorting of the QDir.

@@ -7,6 +7,7 @@
 #include <QTextCodec>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -84,6 +85,7 @@ void addEntry(FolderListing::Entries *entries,
     }
     const QString name = decode(entry.d_name);
     if (name.isNull()) {
+        entries->unlisted.append(entry.d_name);
         return;
     }
     if (type != S_IFREG) {
@@ -102,12 +104,17 @@ FolderListing::Entries FolderListing::list(const QString &folder,
     const QByteArray path = QFile::encodeName(QDir(folder).path());
     const std::unique_ptr<DIR, CloseDir> dir(::opendir(path.constData()));
     if (!dir) {
+        entries.error = errno == ENOTDIR ? QString() : qt_error_string(errno);
         return entries;
     }
-    while (const dirent *const entry = ::readdir(dir.get())) {
+    errno = 0;
+    for (const dirent *entry = nullptr; (entry = ::readdir(dir.get())) != nullptr; errno = 0) {
         if (entry->d_name[0] != '.' || (takesHidden && !isDotOrDotDot(entry->d_name))) {
             addEntry(&entries, masks, ::dirfd(dir.get()), *entry);
         }
+    }
+    if (errno != 0) {
+        entries.error = qt_error_string(errno);
     }
     sort(&entries);
     return entries;

@@ -13,6 +13,9 @@ FolderListing::Entries FolderListing::list(const QString &folder,
     const QDir::Filters hidden = takesHidden ? QDir::Hidden : QDir::Filters();
     const QDir dir(folder);
     Entries entries;
+    if (!dir.isReadable() && QFileInfo(folder).isDir()) {
+        entries.error = QStringLiteral("cannot be read");
+    }
     const QFileInfoList files =
         dir.entryInfoList(QDir::Files | QDir::NoSymLinks | QDir::NoDotAndDotDot | hidden,
                           QDir::NoSort);

@@ -12,6 +12,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QLoggingCategory>
 #include <QTextCodec>
 
 #include <cerrno>
@@ -141,6 +142,10 @@ int finishScan(const ScanReport &report, const ScanArguments &arguments, bool is
 
 int scan(const ScanArguments &arguments)
 {
+    // Each file that cannot be read is named once, at the end.
+    if (!arguments.printsEvents) {
+        QLoggingCategory::setFilterRules(QStringLiteral("default.critical=false"));
+    }
     const bool isShown =
         !arguments.printsEvents && !arguments.isQuiet && ::isatty(STDERR_FILENO) == 1;
     ScanProgress::instance()->isWatched = isShown;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
+#include "tests/tools/Console.h"
 
 #include <QDir>
 #include <QProcess>
@@ -34,7 +35,8 @@ private slots:
     void help();
     void version();
     void fullDevice();
-    void unreadableFile();
+    void unreadable_data();
+    void unreadable();
     void slowReader();
 
 private:
@@ -55,20 +57,6 @@ private:
 namespace
 {
 constexpr int longWaitMilliseconds = 60000;
-
-// A process without the rights of the super-user.
-class PlainProcess final : public QProcess
-{
-    Q_OBJECT
-
-protected:
-    void setupChildProcess() override
-    {
-        if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) {
-            ::_exit(126);
-        }
-    }
-};
 } // namespace
 
 void tst_TwinsiftScan::init()
@@ -350,27 +338,46 @@ void tst_TwinsiftScan::fullDevice()
     QCOMPARE(result.error, QByteArray("twinsift-scan: cannot write: No space left on device\n"));
 }
 
-void tst_TwinsiftScan::unreadableFile()
+void tst_TwinsiftScan::unreadable_data()
 {
-    // An unreadable file is logged and equal to nothing; the scan goes on.
-    file("a", "same!");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<bool>("isNamed");
+    QTest::newRow("named") << QStringList() << 1 << true;
+    QTest::newRow("checksum") << QStringList(QStringLiteral("--advanced=md5")) << 1 << true;
+    QTest::newRow("not named") << QStringList(QStringLiteral("--no-messages")) << 0 << false;
+}
+
+void tst_TwinsiftScan::unreadable()
+{
+    // What cannot be read is named in a line each and gives status 1, unless that is not wanted; the
+    // scan goes on.
+    QFETCH(QStringList, options);
+    QFETCH(int, status);
+    QFETCH(bool, isNamed);
+    const QByteArray a = file("a\nb", "same!");
     const QByteArray b = file("b", "same!");
     const QByteArray c = file("c", "same!");
-    tree->setMode(QStringLiteral("a"), 0);
+    const QByteArray locked = QFile::encodeName(tree->folder(QStringLiteral("locked")));
+    tree->setMode(QStringLiteral("a\nb"), 0);
+    tree->setMode(QStringLiteral("locked"), 0);
     for (const char *up : {"", "/..", "/../.."}) {
         const QByteArray place = QFile::encodeName(tree->root()) + up;
         QCOMPARE(::chmod(place.constData(), 0755), 0);
     }
-    PlainProcess process;
-    process.start(QStringLiteral(TWINSIFT_SCAN), {tree->root()});
-    QVERIFY(process.waitForFinished(longWaitMilliseconds)
-            || process.error() == QProcess::FailedToStart);
-    if (process.error() == QProcess::FailedToStart || process.exitCode() == 126) {
+    Console console;
+    console.dropRights();
+    console.start(options + QStringList(tree->root()));
+    const Console::Result result = console.result();
+    if (result.status < 0 || result.status == 126) {
         QSKIP("The super-user reads every file, and no other user can start the program here.");
     }
-    QCOMPARE(process.exitCode(), 0);
-    QCOMPARE(process.readAllStandardOutput(), b + '\n' + c + "\n\n");
-    QCOMPARE(process.readAllStandardError().count("/a cannot opened! Permission denied"), 2);
+    QCOMPARE(result.status, status);
+    QCOMPARE(result.output, b + '\n' + c + "\n\n");
+    const QByteArray lines = "twinsift-scan: " + locked
+        + ": Permission denied\ntwinsift-scan: " + QByteArray(a).replace('\n', "\\012")
+        + ": Permission denied\n";
+    QCOMPARE(result.error, isNamed ? lines : QByteArray());
 }
 
 void tst_TwinsiftScan::slowReader()
