@@ -14,12 +14,14 @@
 #include "engine/FolderListing.h"
 #include "engine/RegularFile.h"
 #include "engine/ScanFindings.h"
+#include "engine/ScanProgress.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QThread>
 
+#include <algorithm>
 #include <iterator>
 #include <limits>
 #include <map>
@@ -66,6 +68,14 @@ bool hasAcceptedSize(const QString &path, const ScanProfile &profile, const Walk
     const auto kilobytes = static_cast<qint32>(RegularFile::sizeOf(path) / 1024);
     return !(profile.minSizeEnabled && profile.minSizeInKbytes > kilobytes)
         && !(profile.maxSizeEnabled && profile.maxSizeInKbytes < kilobytes);
+}
+void countCompared(const QStringList &files)
+{
+    ScanProgress *const progress = ScanProgress::instance();
+    if (progress->isWatched && files.size() > 1) {
+        progress->filesCompared += files.size();
+        progress->bytesCompared += files.size() * RegularFile::sizeOf(files.first());
+    }
 }
 } // namespace
 
@@ -197,6 +207,7 @@ void FileFinderEngine::runScan()
     exactGroups.clear();
     skipped.clear();
     *ScanFindings::instance() = ScanFindings();
+    ScanProgress::instance()->reset();
     stopRequested = isLeaving();
     const ScanProfile profile = Configuration::instance()->scanProfile;
     const QStringList folders = Configuration::instance()->folders;
@@ -266,6 +277,7 @@ void FileFinderEngine::walkFolder(const Walk &walk,
         const QString path = frame.prefix + name;
         if (!isExcluded(name, walk.excludeMasks) && hasAcceptedSize(path, walk.profile, walk.options)) {
             allFiles.append(path);
+            ++ScanProgress::instance()->filesFound;
             letEventsIn();
         }
     }
@@ -330,6 +342,7 @@ void FileFinderEngine::startFindDuplicatedFilesBase()
     if (!sortIntoBuckets(files, &buckets, &next)) {
         return;
     }
+    expectWork(files, buckets, next);
     int index = 0;
     for (auto it = buckets.cbegin(); it != buckets.cend(); ++it, ++index) {
         Bucket bucket = {index, it.key(), {}, {}};
@@ -340,6 +353,7 @@ void FileFinderEngine::startFindDuplicatedFilesBase()
         if (!confirmBucket(bucket)) {
             return;
         }
+        countCompared(bucket.paths);
     }
 }
 
@@ -363,6 +377,42 @@ bool FileFinderEngine::sortIntoBuckets(const QStringList &files,
         letEventsIn();
     }
     return true;
+}
+
+// The files of the buckets in which there is something to compare.
+void FileFinderEngine::expectWork(const QStringList &files,
+                                  const Buckets &buckets,
+                                  const QVector<int> &next)
+{
+    ScanProgress *const progress = ScanProgress::instance();
+    if (!progress->isWatched) {
+        return;
+    }
+    for (const Chain &chain : buckets) {
+        if (chain.first == chain.last) {
+            continue;
+        }
+        const qint64 size = RegularFile::sizeOf(files.at(chain.first));
+        for (int file = chain.first; file >= 0; file = next.at(file)) {
+            ++progress->filesToCompare;
+            progress->bytesToCompare += size;
+        }
+    }
+}
+
+void FileFinderEngine::expectWork(const QStringList &files)
+{
+    ScanProgress *const progress = ScanProgress::instance();
+    if (!progress->isWatched) {
+        return;
+    }
+    for (const QString &path : files) {
+        if (!letEventsIn()) {
+            return;
+        }
+        progress->bytesToCompare += RegularFile::sizeOf(path);
+    }
+    progress->filesToCompare = files.size();
 }
 
 bool FileFinderEngine::confirmBucket(const Bucket &bucket)
@@ -522,6 +572,7 @@ void FileFinderEngine::startFindDuplicatedFilesAdvanced()
     const ScanProfile profile = Configuration::instance()->scanProfile;
     QVector<ReadFile> readFiles;
     readFiles.reserve(files.size());
+    expectWork(files);
     for (const QString &path : files) {
         if (!letEventsIn()) {
             break;
@@ -532,6 +583,8 @@ void FileFinderEngine::startFindDuplicatedFilesAdvanced()
             // The reading of the file may have been cut off, and the key is worth nothing.
             break;
         }
+        ++ScanProgress::instance()->filesCompared;
+        ScanProgress::instance()->bytesCompared += std::max<qint64>(0, checksum.size);
         if (!checksum.isWhole) {
             skip(QFile::encodeName(path),
                  checksum.error.isEmpty() ? QStringLiteral("changed while it was read")

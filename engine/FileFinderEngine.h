@@ -119,6 +119,8 @@ private:
     bool walkSubfolders(const Walk &walk, const Frame &frame);
     void announceFile(const QString &path);
     bool sortIntoBuckets(const QStringList &files, Buckets *buckets, QVector<int> *next);
+    void expectWork(const QStringList &files, const Buckets &buckets, const QVector<int> &next);
+    void expectWork(const QStringList &files);
     bool confirmBucket(const Bucket &bucket);
     void skip(const QByteArray &path, const QString &reason);
     void skipUnlisted(const QString &folder, const FolderListing::Entries &entries);
