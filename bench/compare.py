@@ -232,7 +232,7 @@ class Bench:
         """Ten times the files. Size alone gives buckets that grow with the number of files, and all
         pairs of a bucket are judged; with the name asked for too, a bucket is two files."""
         modes = {
-            "byte by byte": ([], many.twins_by_size),
+            "byte by byte": ([], many.twins),
             "byte by byte, same name": (["--same-name"], many.twins),
             "md5": (["--advanced", "md5"], many.twins),
             "crc": (["--advanced", "crc"], None),
