@@ -267,7 +267,8 @@ void FileFinderEngine::walkFolder(const Walk &walk,
         stopRequested = true;
         return;
     }
-    FolderListing::Entries entries = FolderListing::list(folder, walk.includeMasks, walk.options.takesHidden);
+    FolderListing::Entries entries =
+        FolderListing::list(folder, walk.includeMasks, walk.options.takesHidden);
     Frame frame = {parent, QDir(folder).absolutePath(), std::move(entries.folders), {}};
     if (!frame.prefix.endsWith(QLatin1Char('/'))) {
         frame.prefix += QLatin1Char('/');
@@ -275,7 +276,8 @@ void FileFinderEngine::walkFolder(const Walk &walk,
     skipUnlisted(frame.prefix, entries);
     for (const QString &name : qAsConst(entries.files)) {
         const QString path = frame.prefix + name;
-        if (!isExcluded(name, walk.excludeMasks) && hasAcceptedSize(path, walk.profile, walk.options)) {
+        if (!isExcluded(name, walk.excludeMasks)
+            && hasAcceptedSize(path, walk.profile, walk.options)) {
             allFiles.append(path);
             ++ScanProgress::instance()->filesFound;
             letEventsIn();

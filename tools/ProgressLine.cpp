@@ -23,7 +23,10 @@ constexpr int usualColumns = 80;
 QByteArray timeText(qint64 seconds)
 {
     const auto two = [](qint64 bigger, const char *big, qint64 smaller, const char *small) {
-        return QByteArray::number(bigger).append(big).append(QByteArray::number(smaller)).append(small);
+        return QByteArray::number(bigger)
+            .append(big)
+            .append(QByteArray::number(smaller))
+            .append(small);
     };
     if (seconds < 60) {
         return QByteArray::number(seconds) + " s";
@@ -51,7 +54,7 @@ int columnsOf(int descriptor)
 {
     winsize size = {};
     return ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col
-                                                                        : usualColumns;
+                                                                          : usualColumns;
 }
 } // namespace
 

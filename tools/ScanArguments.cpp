@@ -62,7 +62,9 @@ void addScanOptions(QCommandLineParser *parser)
          masks},
         {minKbOption, QStringLiteral("Leave out files of fewer kilobytes."), number},
         {maxKbOption, QStringLiteral("Leave out files of more kilobytes."), number},
-        {minSizeOption, QStringLiteral("Leave out files of fewer bytes; 20K, 3M and 1G count by 1024."), size},
+        {minSizeOption,
+         QStringLiteral("Leave out files of fewer bytes; 20K, 3M and 1G count by 1024."),
+         size},
         {maxSizeOption, QStringLiteral("Leave out files of more bytes."), size},
         {hiddenOption, QStringLiteral("Take hidden files and folders as well.")},
         {noLinksOption, QStringLiteral("Do not follow links to folders.")},
@@ -78,8 +80,9 @@ void addOutputOptions(QCommandLineParser *parser)
 {
     parser->addOptions({
         {joinedOption,
-         QStringLiteral("Print the groups as the window shows them: files of one size in one group, "
-                        "also where they are copies of different files.")},
+         QStringLiteral(
+             "Print the groups as the window shows them: files of one size in one group, "
+             "also where they are copies of different files.")},
         {{QStringLiteral("f"), omitFirstOption},
          QStringLiteral("Leave out the first file of each group.")},
         {sortOption,
@@ -195,7 +198,10 @@ bool readNumbers(const QCommandLineParser &parser, ScanArguments *arguments)
 }
 
 // A number of bytes, with K, M, G or T behind it that many times 1024 of the one before.
-bool readSize(const QCommandLineParser &parser, const QString &option, qint64 *bytes, QString *error)
+bool readSize(const QCommandLineParser &parser,
+              const QString &option,
+              qint64 *bytes,
+              QString *error)
 {
     if (!parser.isSet(option)) {
         return true;

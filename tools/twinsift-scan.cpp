@@ -114,9 +114,9 @@ void printSummary(const ScanReport &report)
     output.write(line("groups", QByteArray::number(report.groups.size())));
     output.write(line("redundant files", QByteArray::number(report.redundantFiles())));
     output.write(line("could be freed",
-                      bytes < 1024 ? ByteText::of(bytes)
-                                   : QByteArray::number(bytes) + " bytes (" + ByteText::of(bytes)
-                              + ')'));
+                      bytes < 1024
+                          ? ByteText::of(bytes)
+                          : QByteArray::number(bytes) + " bytes (" + ByteText::of(bytes) + ')'));
     output.write(line("seconds",
                       QByteArray::number(static_cast<double>(report.milliseconds) / 1000, 'f', 3)));
     output.flush();

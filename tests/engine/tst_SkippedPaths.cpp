@@ -58,8 +58,8 @@ QStringList tst_SkippedPaths::skipped(const ScanProfile &profile)
     QStringList lines;
     const QByteArray root = QFile::encodeName(tree->root());
     for (const SkippedPath &each : ScanFindings::instance()->skipped) {
-        lines.append(QString::fromLatin1(QByteArray(each.path).replace(root, "")) + QLatin1String(": ")
-                     + each.reason);
+        lines.append(QString::fromLatin1(QByteArray(each.path).replace(root, ""))
+                     + QLatin1String(": ") + each.reason);
     }
     return lines;
 }
@@ -85,8 +85,7 @@ void tst_SkippedPaths::files()
         QSKIP("The administrator cannot lay the rights down here and reads every file.");
     }
     allowMessages(QRegularExpression(QStringLiteral("/b cannot opened! Permission denied$")));
-    const ScanProfile profile =
-        checksum.isEmpty() ? ScanProfile() : EngineRig::advanced(checksum);
+    const ScanProfile profile = checksum.isEmpty() ? ScanProfile() : EngineRig::advanced(checksum);
     QCOMPARE(skipped(profile), QStringList(QStringLiteral("/b: Permission denied")));
     QCOMPARE(skipped(profile), QStringList(QStringLiteral("/b: Permission denied")));
     Configuration::instance()->keepsSkipped = false;

@@ -64,10 +64,10 @@ void tst_WalkOptions::hidden()
     WalkOptions options;
     QCOMPARE(walk(options), QStringList(QStringLiteral("plain")));
     options.takesHidden = true;
-    QCOMPARE(walk(options),
-             QStringList({QStringLiteral(".file"),
-                          QStringLiteral("plain"),
-                          QStringLiteral(".folder/inside")}));
+    QCOMPARE(
+        walk(options),
+        QStringList(
+            {QStringLiteral(".file"), QStringLiteral("plain"), QStringLiteral(".folder/inside")}));
 }
 
 void tst_WalkOptions::links()
@@ -123,7 +123,8 @@ void tst_WalkOptions::otherFileSystem()
     tree->link(QStringLiteral("far"), other.path());
     tree->file(QStringLiteral("near/inside"));
     WalkOptions options;
-    QCOMPARE(walk(options), QStringList({QStringLiteral("far/inside"), QStringLiteral("near/inside")}));
+    QCOMPARE(walk(options),
+             QStringList({QStringLiteral("far/inside"), QStringLiteral("near/inside")}));
     options.staysOnFileSystem = true;
     QCOMPARE(walk(options), QStringList(QStringLiteral("near/inside")));
 }

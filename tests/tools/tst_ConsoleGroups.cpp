@@ -192,8 +192,8 @@ void tst_ConsoleGroups::order()
     const QByteArray two = file("a/second", "large content");
     const QByteArray three = file("a/another", "x");
     const QByteArray four = file("a/0/below", "x");
-    const Console::Result result = Console::run(
-        {tree->path(QStringLiteral("z")), tree->path(QStringLiteral("a"))});
+    const Console::Result result =
+        Console::run({tree->path(QStringLiteral("z")), tree->path(QStringLiteral("a"))});
     QCOMPARE(result.output, text({{one, two}, {three, four}}));
 }
 
@@ -267,8 +267,7 @@ void tst_ConsoleGroups::separator()
     const QByteArray b = file("b\nc", "one");
     QCOMPARE(scan({QStringLiteral("--separator=none")}), a + '\n' + b + '\n');
     QCOMPARE(scan({QStringLiteral("--separator=blank")}), a + '\n' + b + "\n\n");
-    QCOMPARE(scan({QStringLiteral("-0"), QStringLiteral("--separator=none")}),
-             a + '\0' + b + '\0');
+    QCOMPARE(scan({QStringLiteral("-0"), QStringLiteral("--separator=none")}), a + '\0' + b + '\0');
     QCOMPARE(scan({QStringLiteral("-0")}), a + '\0' + b + '\0' + '\0');
 }
 
@@ -281,13 +280,11 @@ void tst_ConsoleGroups::summary()
     file("d", "1");
     file("e", "1");
     file("f", "single");
-    const Console::Result result =
-        Console::run({QStringLiteral("--summary"), tree->root()});
+    const Console::Result result = Console::run({QStringLiteral("--summary"), tree->root()});
     QCOMPARE(result.status, 0);
-    QVERIFY2(QRegularExpression(
-                 QStringLiteral("^files looked at +6\nskipped +0\ngroups +2\n"
-                                "redundant files +3\ncould be freed +9 bytes\n"
-                                "seconds +\\d+\\.\\d{3}\n$"))
+    QVERIFY2(QRegularExpression(QStringLiteral("^files looked at +6\nskipped +0\ngroups +2\n"
+                                               "redundant files +3\ncould be freed +9 bytes\n"
+                                               "seconds +\\d+\\.\\d{3}\n$"))
                  .match(QString::fromUtf8(result.error))
                  .hasMatch(),
              result.error.constData());
@@ -310,9 +307,8 @@ void tst_ConsoleGroups::walkOptions()
     QCOMPARE(scan({QStringLiteral("--min-size=7"), QStringLiteral("--max-size=7")}),
              text({{a, c}}));
     QCOMPARE(scan({QStringLiteral("--min-size=8")}), QByteArray());
-    const Console::Result result = Console::run({QStringLiteral("--files-from=-")},
-                                                tree->root(),
-                                                "../far\n.\n");
+    const Console::Result result =
+        Console::run({QStringLiteral("--files-from=-")}, tree->root(), "../far\n.\n");
     QCOMPARE(result.error, QByteArray());
     QCOMPARE(result.output, text({{linked, a}}));
 }

@@ -61,10 +61,12 @@ public:
     // Whether more has come than a reader who does not read can be given.
     bool waitUntilFull() const
     {
-        return QTest::qWaitFor([this] {
-            int bytes = 0;
-            return ::ioctl(descriptor, FIONREAD, &bytes) == 0 && bytes >= 60000;
-        }, 60000);
+        return QTest::qWaitFor(
+            [this] {
+                int bytes = 0;
+                return ::ioctl(descriptor, FIONREAD, &bytes) == 0 && bytes >= 60000;
+            },
+            60000);
     }
 
     qint64 readAll()

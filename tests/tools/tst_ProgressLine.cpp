@@ -72,10 +72,12 @@ public:
 
     bool waitFor(const QByteArray &text)
     {
-        return QTest::qWaitFor([&] {
-            read();
-            return written.contains(text);
-        }, longWaitMilliseconds);
+        return QTest::qWaitFor(
+            [&] {
+                read();
+                return written.contains(text);
+            },
+            longWaitMilliseconds);
     }
 
     // What it shows: a carriage return leads back to the start of the line.
@@ -124,9 +126,10 @@ void tst_ProgressLine::text_data()
     QTest::addColumn<QList<qint64>>("numbers");
     QTest::addColumn<qint64>("milliseconds");
     QTest::addColumn<QByteArray>("text");
-    const auto row = [](const char *name, const QList<qint64> &numbers, qint64 time, const char *text) {
-        QTest::newRow(name) << numbers << time << QByteArray(text);
-    };
+    const auto row =
+        [](const char *name, const QList<qint64> &numbers, qint64 time, const char *text) {
+            QTest::newRow(name) << numbers << time << QByteArray(text);
+        };
     // Found; files and bytes to compare; those compared; bytes read.
     row("nothing yet", {0, 0, 0, 0, 0, 0}, 0, "0 files found");
     row("walk", {1200, 0, 0, 0, 0, 0}, 0, "1200 files found");
@@ -147,8 +150,14 @@ void tst_ProgressLine::text_data()
         {9, 1000, 0, 9, 0, 1},
         100000,
         "9 files found, 9 of 1000 compared, 1 bytes read");
-    row("done", {9, 2, 10, 2, 10, 10}, 5000, "9 files found, 2 of 2 compared, 10 bytes read, about 0 s left");
-    row("more than foreseen", {9, 2, 10, 2, 11, 11}, 5000, "9 files found, 2 of 2 compared, 11 bytes read");
+    row("done",
+        {9, 2, 10, 2, 10, 10},
+        5000,
+        "9 files found, 2 of 2 compared, 10 bytes read, about 0 s left");
+    row("more than foreseen",
+        {9, 2, 10, 2, 11, 11},
+        5000,
+        "9 files found, 2 of 2 compared, 11 bytes read");
 }
 
 void tst_ProgressLine::text()
@@ -247,7 +256,8 @@ void tst_ProgressLine::noLine()
         QSKIP("This system does not tell what a process has read.");
     }
     // So many take longer than the first line does to come.
-    QVERIFY(QTest::qWaitFor([&] { return bytesReadBy(console) > 1000000000; }, longWaitMilliseconds));
+    QVERIFY(
+        QTest::qWaitFor([&] { return bytesReadBy(console) > 1000000000; }, longWaitMilliseconds));
     console.send(SIGINT);
     QCOMPARE(console.result().status, 130);
     terminal.read();

@@ -169,10 +169,8 @@ void tst_ScanArguments::sizes()
     // Sizes are bytes; K, M, G and T are powers of 1024.
     QFETCH(QString, size);
     QFETCH(qint64, bytes);
-    const ScanArguments arguments = parse({QStringLiteral("--min-size"),
-                                           size,
-                                           QStringLiteral("--max-size=") + size,
-                                           tree->root()});
+    const ScanArguments arguments = parse(
+        {QStringLiteral("--min-size"), size, QStringLiteral("--max-size=") + size, tree->root()});
     QCOMPARE(arguments.error, QString());
     QCOMPARE(arguments.walkOptions.minBytes, bytes);
     QCOMPARE(arguments.walkOptions.maxBytes, bytes);
@@ -290,7 +288,8 @@ void tst_ScanArguments::listOfFolders()
     const QString c = tree->folder(QStringLiteral("c\nc"));
     QVERIFY(QDir::setCurrent(tree->root()));
     const auto fromList = [this](const QByteArray &list) {
-        return parse({QStringLiteral("--files-from"), tree->file(QStringLiteral("list"), list),
+        return parse({QStringLiteral("--files-from"),
+                      tree->file(QStringLiteral("list"), list),
                       QStringLiteral("a")})
             .folders;
     };
@@ -329,11 +328,10 @@ void tst_ScanArguments::refused_data()
         "--advanced crc32 .",
         "--advanced takes md5, sha1 or crc, not \"crc32\"");
     row("unknown order", "--sort name .", "--sort takes path or size or count, not \"name\"");
-    row("unknown separator",
-        "--separator=line .",
-        "--separator takes blank or none, not \"line\"");
+    row("unknown separator", "--separator=line .", "--separator takes blank or none, not \"line\"");
     const char *const size = "takes a size such as 500, 20K, 3M or 1G, not";
-    for (const char *text : {"", "K", "1X", "1.5M", "-1", "1 K", "8388608T", "9223372036854775808"}) {
+    for (const char *text :
+         {"", "K", "1X", "1.5M", "-1", "1 K", "8388608T", "9223372036854775808"}) {
         QTest::addRow("size %s", text)
             << QStringList{QStringLiteral("--max-size"), QLatin1String(text), QStringLiteral(".")}
             << QStringLiteral("--max-size %1 \"%2\"").arg(QLatin1String(size), QLatin1String(text));

@@ -374,9 +374,8 @@ void tst_TwinsiftScan::unreadable()
     }
     QCOMPARE(result.status, status);
     QCOMPARE(result.output, b + '\n' + c + "\n\n");
-    const QByteArray lines = "twinsift-scan: " + locked
-        + ": Permission denied\ntwinsift-scan: " + QByteArray(a).replace('\n', "\\012")
-        + ": Permission denied\n";
+    const QByteArray lines = "twinsift-scan: " + locked + ": Permission denied\ntwinsift-scan: "
+        + QByteArray(a).replace('\n', "\\012") + ": Permission denied\n";
     QCOMPARE(result.error, isNamed ? lines : QByteArray());
 }
 
