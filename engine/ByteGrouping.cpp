@@ -5,6 +5,7 @@
 #include "engine/DuplicateGroup.h"
 #include "engine/FileComparison.h"
 #include "engine/FileKey.h"
+#include "engine/ScanProgress.h"
 
 #include <iterator>
 #include <map>
@@ -54,6 +55,7 @@ void ByteGrouping::run()
     if (!sortIntoBuckets()) {
         return;
     }
+    expectWork();
     readHeadsAhead();
     int index = 0;
     for (auto it = buckets.cbegin(); it != buckets.cend(); ++it, ++index) {
@@ -68,6 +70,7 @@ void ByteGrouping::run()
         if (!confirm(bucket)) {
             return;
         }
+        countCompared(bucket);
     }
 }
 
@@ -90,6 +93,43 @@ bool ByteGrouping::sortIntoBuckets()
         }
     }
     return true;
+}
+
+// The files of the buckets in which there is something to compare.
+void ByteGrouping::expectWork() const
+{
+    ScanProgress *const progress = ScanProgress::instance();
+    if (!progress->isWatched) {
+        return;
+    }
+    for (const Grouping::Chain &chain : buckets) {
+        for (int file = chain.first; file >= 0 && chain.first != chain.last; file = next.at(file)) {
+            ++progress->filesToCompare;
+            progress->bytesToCompare += files.sizes.at(file);
+        }
+    }
+}
+
+void ByteGrouping::countCompared(const Bucket &bucket) const
+{
+    ScanProgress *const progress = ScanProgress::instance();
+    if (!progress->isWatched) {
+        return;
+    }
+    for (const int file : bucket.files) {
+        ++progress->filesCompared;
+        progress->bytesCompared += files.sizes.at(file);
+    }
+}
+
+void ByteGrouping::tellSkipped(const Bucket &bucket, const ContentClasses &classes) const
+{
+    for (int i = 0; i < bucket.paths.size() && events.skipped; ++i) {
+        const ContentClasses::File &file = classes.files()[static_cast<std::size_t>(i)];
+        if (!file.isReadable) {
+            events.skipped(bucket.paths.at(i), file.error);
+        }
+    }
 }
 
 // In the order of the buckets, which is that in which they are confirmed.
@@ -125,6 +165,7 @@ bool ByteGrouping::confirm(const Bucket &bucket)
             [this](FileHead *head) { return events.goOn() && heads->take(head, events.goOn); })) {
         return false;
     }
+    tellSkipped(bucket, classes);
     keepExactGroups(bucket, classes);
     BucketPairs pairs(classes.files());
     if (!addLonger(bucket, classes, &pairs)) {

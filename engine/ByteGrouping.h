@@ -38,8 +38,11 @@ private:
     using Buckets = QHash<QString, Grouping::Chain>;
 
     bool sortIntoBuckets();
+    void expectWork() const;
     void readHeadsAhead();
     bool confirm(const Bucket &bucket);
+    void tellSkipped(const Bucket &bucket, const ContentClasses &classes) const;
+    void countCompared(const Bucket &bucket) const;
     void keepExactGroups(const Bucket &bucket, const ContentClasses &classes);
     bool addLonger(const Bucket &bucket, const ContentClasses &classes, BucketPairs *pairs);
     bool placeRow(Placement *placement, int first);

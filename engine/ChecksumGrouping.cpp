@@ -3,9 +3,11 @@
 
 #include "engine/ReadAhead.h"
 #include "engine/RegularFile.h"
+#include "engine/ScanProgress.h"
 
 #include <QHash>
 
+#include <algorithm>
 #include <numeric>
 #include <utility>
 
@@ -55,6 +57,9 @@ void ChecksumGrouping::run()
         [paths = files.paths, options = profile](int file, const GoOn &goOn) {
             return FileKey::ofContent(paths.at(file), options, goOn);
         });
+    ScanProgress *const progress = ScanProgress::instance();
+    progress->filesToCompare = count;
+    progress->bytesToCompare = bytes;
     QVector<ReadFile> readFiles;
     readFiles.reserve(count);
     for (const QString &path : qAsConst(files.paths)) {
@@ -65,6 +70,13 @@ void ChecksumGrouping::run()
         FileKey::Checksum checksum;
         if (!checksums.take(&checksum, events.whileReading)) {
             break;
+        }
+        ++progress->filesCompared;
+        progress->bytesCompared += std::max<qint64>(0, checksum.size);
+        if (!checksum.isWhole && events.skipped) {
+            events.skipped(path,
+                           checksum.error.isEmpty() ? QStringLiteral("changed while it was read")
+                                                    : checksum.error);
         }
         readFiles.append({checksum.isWhole ? checksum.key : QString(),
                           checksum.size,

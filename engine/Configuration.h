@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/ScanProfile.h"
+#include "engine/WalkOptions.h"
 
 #include <QObject>
 #include <QStringList>
@@ -26,6 +27,10 @@ public:
     /** Absolute paths of the folders to scan, in the order in which they are scanned. */
     QStringList folders;
     ScanProfile scanProfile;
+    /** The window leaves these as they are. */
+    WalkOptions walkOptions;
+    /** Whether ScanFindings is to name what could not be read. */
+    bool keepsSkipped = false;
 
 private:
     Configuration() = default;

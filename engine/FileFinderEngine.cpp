@@ -13,9 +13,11 @@
 #include "engine/ReaderCount.h"
 #include "engine/RegularFile.h"
 #include "engine/ScanFindings.h"
+#include "engine/ScanProgress.h"
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QThread>
 
 #include <utility>
@@ -83,7 +85,9 @@ void FileFinderEngine::runScan()
     resetCounters();
     files = Grouping::Files();
     result = Grouping::Result();
+    skipped.clear();
     *ScanFindings::instance() = ScanFindings();
+    ScanProgress::instance()->reset();
     stopRequested = isLeaving();
     lastEventPass.start();
     const ScanProfile profile = Configuration::instance()->scanProfile;
@@ -125,6 +129,7 @@ QFileInfoList FileFinderEngine::getFiles(const QStringList &includeMasks,
     FolderWalk walk(includeMasks,
                     excludeMasks,
                     Configuration::instance()->scanProfile,
+                    Configuration::instance()->walkOptions,
                     walkEvents());
     const QStringList names = walk.walk(folder);
     QFileInfoList found;
@@ -141,6 +146,7 @@ FolderWalk::Events FileFinderEngine::walkEvents()
     events.fileFound = [this](const QString &path, qint64 size) {
         files.paths.append(path);
         files.sizes.append(size);
+        ++ScanProgress::instance()->filesFound;
         letEventsIn();
     };
     events.folderDone = [this](const QString &folder) {
@@ -159,6 +165,11 @@ FolderWalk::Events FileFinderEngine::walkEvents()
         whileReading();
         return wasStopped ? !isLeaving() : !stopRequested;
     };
+    if (Configuration::instance()->keepsSkipped) {
+        events.skipped = [this](const QByteArray &path, const QString &reason) {
+            skipped.append({path, reason});
+        };
+    }
     return events;
 }
 
@@ -194,6 +205,11 @@ Grouping::Events FileFinderEngine::groupingEvents()
     events.counted = [this](int number) {
         emit countingFindFilesDuplicated(number, result.groupedFiles, result.groupedBytes);
     };
+    if (Configuration::instance()->keepsSkipped) {
+        events.skipped = [this](const QString &path, const QString &reason) {
+            skipped.append({QFile::encodeName(path), reason});
+        };
+    }
     events.goOn = [this] {
         return letEventsIn();
     };
@@ -209,6 +225,7 @@ void FileFinderEngine::publish(const QList<QStringList> &groups) const
     ScanFindings *const findings = ScanFindings::instance();
     findings->groups = groups;
     findings->exactGroups = result.exactGroups.inOrder();
+    findings->skipped = skipped;
     findings->areContentsProven = !(profile.advancedMatch && profile.crcHash);
 }
 

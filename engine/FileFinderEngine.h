@@ -3,6 +3,7 @@
 
 #include "engine/FolderWalk.h"
 #include "engine/Grouping.h"
+#include "engine/ScanFindings.h"
 
 #include <QElapsedTimer>
 #include <QFileInfoList>
@@ -11,6 +12,7 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 class Controller;
 class Model;
@@ -111,4 +113,5 @@ private:
     QElapsedTimer lastEventPass;
     Grouping::Files files;
     Grouping::Result result;
+    QVector<SkippedPath> skipped;
 };

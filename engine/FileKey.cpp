@@ -61,6 +61,7 @@ FileKey::Checksum FileKey::crcOf(const QString &path, const GoOn &goOn)
         checksum.modified = file.modified();
         crc = Crc32().calculate(&file, goOn, &checksum.isWhole);
     }
+    checksum.error = file.errorString();
     checksum.key = QString::number(crc);
     return checksum;
 }
@@ -72,6 +73,7 @@ FileKey::Checksum FileKey::hashOf(const QString &path,
     Checksum checksum;
     RegularFile file;
     if (!file.open(path)) {
+        checksum.error = file.errorString();
         return checksum;
     }
     checksum.size = file.size();
@@ -85,6 +87,7 @@ FileKey::Checksum FileKey::hashOf(const QString &path,
     while (bytes == bufferBytes) {
         bytes = file.read(buffer.get(), bufferBytes);
         if (bytes < 0 || !goOn()) {
+            checksum.error = file.errorString();
             return checksum;
         }
         hash.addData(buffer.get(), static_cast<int>(bytes));

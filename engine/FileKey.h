@@ -27,6 +27,7 @@ struct Checksum {
     qint64 modified = 0; // nanoseconds since 1970 (UTC)
     /** See ContentHash; zero for a CRC. */
     quint64 contentHash = 0;
+    QString error; // why it could not be read
 };
 
 /** As ofCrc(); of a file that was not read to its end when it may not go on. */

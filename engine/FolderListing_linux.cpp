@@ -7,6 +7,7 @@
 #include <QTextCodec>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -117,6 +118,11 @@ FileSystemKind fileSystemOf(int dirDescriptor)
     }
 }
 
+bool isDotOrDotDot(const char *name)
+{
+    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+
 void addEntry(FolderListing::Entries *entries,
               const FileMasks &masks,
               int dirDescriptor,
@@ -134,6 +140,7 @@ void addEntry(FolderListing::Entries *entries,
     }
     const QString name = decode(entry.d_name);
     if (name.isNull()) {
+        entries->unlisted.append(entry.d_name);
         return;
     }
     if (type != S_IFREG) {
@@ -148,22 +155,28 @@ void addEntry(FolderListing::Entries *entries,
 
 FolderListing::Entries FolderListing::list(const QString &folder,
                                            const FileMasks &masks,
-                                           const GoOn &goOn)
+                                           const GoOn &goOn,
+                                           bool takesHidden)
 {
     Entries entries;
     const QByteArray path = QFile::encodeName(QDir(folder).path());
     const std::unique_ptr<DIR, CloseDir> dir(::opendir(path.constData()));
     if (!dir) {
+        entries.error = errno == ENOTDIR ? QString() : qt_error_string(errno);
         return entries;
     }
     entries.fileSystem = fileSystemOf(::dirfd(dir.get()));
-    while (const dirent *const entry = ::readdir(dir.get())) {
+    errno = 0;
+    for (const dirent *entry = nullptr; (entry = ::readdir(dir.get())) != nullptr; errno = 0) {
         if (!goOn()) {
             break;
         }
-        if (entry->d_name[0] != '.') {
+        if (entry->d_name[0] != '.' || (takesHidden && !isDotOrDotDot(entry->d_name))) {
             addEntry(&entries, masks, ::dirfd(dir.get()), *entry);
         }
+    }
+    if (errno != 0) {
+        entries.error = qt_error_string(errno);
     }
     sort(&entries);
     return entries;
@@ -175,4 +188,12 @@ QString FolderListing::canonicalPath(const QString &folder)
     const std::unique_ptr<char, FreeText> path(
         ::realpath(QFile::encodeName(folder).constData(), nullptr));
     return path ? QFile::decodeName(path.get()) : QString();
+}
+
+bool FolderListing::areOnOneFileSystem(const QString &folder, const QString &other)
+{
+    struct stat a = {};
+    struct stat b = {};
+    return ::stat(QFile::encodeName(folder).constData(), &a) == 0
+        && ::stat(QFile::encodeName(other).constData(), &b) == 0 && a.st_dev == b.st_dev;
 }

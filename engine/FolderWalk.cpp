@@ -3,6 +3,7 @@
 
 #include <QDebug>
 #include <QDir>
+#include <QFile>
 
 #include <algorithm>
 #include <deque>
@@ -54,10 +55,12 @@ struct FolderWalk::Frame {
 FolderWalk::FolderWalk(const QStringList &includeMasks,
                        const QStringList &excludeMasks,
                        const ScanProfile &scanProfile,
+                       const WalkOptions &walkOptions,
                        Events walkEvents)
     : masks(includeMasks)
     , excluded(excludeMasks)
     , profile(scanProfile)
+    , options(walkOptions)
     , events(std::move(walkEvents))
 {
 }
@@ -91,6 +94,7 @@ bool FolderWalk::enter(const QString &folder, Listing listing, bool isTop)
     frame->prefix = withSlash(QDir(folder).absolutePath());
     frame->subfolders = std::move(entries.folders);
     frame->isPseudo = isPseudo;
+    tellSkipped(frame->prefix, entries);
     for (const FolderListing::File &file : qAsConst(entries.files)) {
         if (isTaken(file)) {
             events.fileFound(frame->prefix + file.name, file.size);
@@ -167,6 +171,11 @@ void FolderWalk::walkSubfolders()
 
 bool FolderWalk::mayEnter(const QString &path, const FolderListing::Folder &folder)
 {
+    if ((folder.isLink && !options.followsLinks)
+        || (options.staysOnFileSystem
+            && !FolderListing::areOnOneFileSystem(path, frames.back()->prefix))) {
+        return false;
+    }
     if (!folder.isLink) {
         return true;
     }
@@ -197,7 +206,22 @@ bool FolderWalk::isBeingWalked(const QString &canonicalFolder)
            });
 }
 
+void FolderWalk::tellSkipped(const QString &folder, const FolderListing::Entries &entries) const
+{
+    if (!events.skipped) {
+        return;
+    }
+    if (!entries.error.isEmpty()) {
+        events.skipped(QFile::encodeName(QDir::cleanPath(folder)), entries.error);
+    }
+    for (const QByteArray &name : entries.unlisted) {
+        events.skipped(QFile::encodeName(folder) + name,
+                       QStringLiteral("its name is no valid UTF-8"));
+    }
+}
+
 bool FolderWalk::isTaken(const FolderListing::File &file) const
 {
-    return !isExcluded(file.name, excluded) && hasAcceptedSize(file.size, profile);
+    return !isExcluded(file.name, excluded) && hasAcceptedSize(file.size, profile)
+        && options.minBytes <= file.size && file.size <= options.maxBytes;
 }

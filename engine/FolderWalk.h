@@ -6,7 +6,9 @@
 #include "engine/FolderListing.h"
 #include "engine/GoOn.h"
 #include "engine/ScanProfile.h"
+#include "engine/WalkOptions.h"
 
+#include <QByteArray>
 #include <QHash>
 #include <QString>
 #include <QStringList>
@@ -19,7 +21,7 @@
  * Walks folders with all below them, in the order of FolderListing, and tells which files a scan takes.
  *
  * Links to folders are followed, but not back up to a folder that is being walked, and no folder is
- * entered through links more than a thousand times in a scan. File systems that show the system itself
+ * entered through links more than a thousand times in a walk. File systems that show the system itself
  * are not entered from another one. Folders that come next are listed ahead on other threads. Everything
  * is told on the thread that walks.
  */
@@ -36,12 +38,15 @@ public:
         std::function<bool()> isLeaving;
         /** Asked while a listing takes long: false when it was stopped since. */
         GoOn whileListing;
+        /** What could not be listed, byte for byte as the file system has it, and why. May be null. */
+        std::function<void(const QByteArray &path, const QString &reason)> skipped;
     };
 
     /** Takes the size limits of the profile; the masks are given by themselves. */
     FolderWalk(const QStringList &includeMasks,
                const QStringList &excludeMasks,
                const ScanProfile &scanProfile,
+               const WalkOptions &walkOptions,
                Events walkEvents);
     ~FolderWalk();
 
@@ -62,11 +67,13 @@ private:
     void walkSubfolders();
     bool mayEnter(const QString &path, const FolderListing::Folder &folder);
     bool isBeingWalked(const QString &canonicalFolder);
+    void tellSkipped(const QString &folder, const FolderListing::Entries &entries) const;
     bool isTaken(const FolderListing::File &file) const;
 
     FileMasks masks;
     QStringList excluded;
     ScanProfile profile;
+    WalkOptions options;
     Events events;
     std::vector<std::unique_ptr<Frame>>
         frames; // the folder that is being walked, under those above it

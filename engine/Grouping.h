@@ -36,6 +36,8 @@ struct Events {
     std::function<void(const QString &path)> fileAnalyzed;
     /** A file was counted, under that number. */
     std::function<void(int number)> counted;
+    /** A file could not be read; why. May be null. */
+    std::function<void(const QString &path, const QString &reason)> skipped;
     /** Stands between any two steps. */
     GoOn goOn;
     /** Stands where a file may take long to be read. */

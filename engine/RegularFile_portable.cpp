@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "engine/RegularFile.h"
+#include "engine/ScanProgress.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -65,6 +66,7 @@ qint64 RegularFile::read(char *data, qint64 maxBytes)
         }
         done += bytes;
     }
+    ScanProgress::instance()->bytesRead += done;
     return done;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "engine/FileTime_posix.h"
 #include "engine/RegularFile.h"
+#include "engine/ScanProgress.h"
 
 #include <QFile>
 
@@ -97,6 +98,7 @@ qint64 RegularFile::read(char *data, qint64 maxBytes)
             return -1;
         }
     }
+    ScanProgress::instance()->bytesRead += done;
     return done;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -11,6 +12,12 @@ struct ScannedFile {
     QString path; // absolute, as it stands in the groups
     qint64 size = 0; // bytes
     qint64 modified = 0; // nanoseconds since 1970 (UTC)
+};
+
+/** A file or folder that was to be looked at and could not be. */
+struct SkippedPath {
+    QByteArray path; // absolute, byte for byte as the file system has it
+    QString reason; // as the system words it
 };
 
 /**
@@ -37,4 +44,6 @@ struct ScanFindings {
      * and in their size, and may still differ.
      */
     bool areContentsProven = true;
+    /** In the order in which they were met; empty unless Configuration asks for it. */
+    QVector<SkippedPath> skipped;
 };

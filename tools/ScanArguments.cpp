@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tools/ScanArguments.h"
 
+#include "tools/FolderArguments.h"
+
 #include <QCommandLineParser>
-#include <QDir>
-#include <QFileInfo>
+#include <QPair>
+#include <QRegularExpression>
+#include <QVector>
 
 #include <algorithm>
 #include <limits>
@@ -18,20 +21,30 @@ const QString includeMasksOption = QStringLiteral("include");
 const QString excludeMasksOption = QStringLiteral("exclude");
 const QString minKbOption = QStringLiteral("min-kb");
 const QString maxKbOption = QStringLiteral("max-kb");
+const QString minSizeOption = QStringLiteral("min-size");
+const QString maxSizeOption = QStringLiteral("max-size");
+const QString hiddenOption = QStringLiteral("hidden");
+const QString noLinksOption = QStringLiteral("no-links");
+const QString oneFileSystemOption = QStringLiteral("one-file-system");
+const QString filesFromOption = QStringLiteral("files-from");
+const QString joinedOption = QStringLiteral("joined");
+const QString omitFirstOption = QStringLiteral("omit-first");
+const QString sortOption = QStringLiteral("sort");
 const QString print0Option = QStringLiteral("print0");
+const QString separatorOption = QStringLiteral("separator");
+const QString jsonOption = QStringLiteral("json");
+const QString csvOption = QStringLiteral("csv");
+const QString summaryOption = QStringLiteral("summary");
+const QString quietOption = QStringLiteral("quiet");
+const QString noMessagesOption = QStringLiteral("no-messages");
 const QString eventsOption = QStringLiteral("events");
 const QString stopAfterOption = QStringLiteral("stop-after");
 
-void addOptions(QCommandLineParser *parser)
+void addScanOptions(QCommandLineParser *parser)
 {
-    parser->setApplicationDescription(QStringLiteral(
-        "Finds files of equal content and prints their names, a group after the other.\n"
-        "It reads files and never changes one."));
-    parser->addPositionalArgument(QStringLiteral("FOLDER"),
-                                  QStringLiteral("Folders to scan, with all below them."),
-                                  QStringLiteral("FOLDER..."));
     const QString masks = QStringLiteral("MASKS");
     const QString number = QStringLiteral("N");
+    const QString size = QStringLiteral("SIZE");
     parser->addOptions({
         {advancedOption,
          QStringLiteral("Compare checksums of the contents (md5, sha1 or crc) instead of matching "
@@ -49,12 +62,62 @@ void addOptions(QCommandLineParser *parser)
          masks},
         {minKbOption, QStringLiteral("Leave out files of fewer kilobytes."), number},
         {maxKbOption, QStringLiteral("Leave out files of more kilobytes."), number},
-        {print0Option, QStringLiteral("End a name, and a group, in NUL instead of a line feed.")},
-        {eventsOption, QStringLiteral("Print each signal of the scan to standard error.")},
-        {stopAfterOption, QStringLiteral("Stop the scan after that many signals."), number},
+        {minSizeOption,
+         QStringLiteral("Leave out files of fewer bytes; 20K, 3M and 1G count by 1024."),
+         size},
+        {maxSizeOption, QStringLiteral("Leave out files of more bytes."), size},
+        {hiddenOption, QStringLiteral("Take hidden files and folders as well.")},
+        {noLinksOption, QStringLiteral("Do not follow links to folders.")},
+        {oneFileSystemOption, QStringLiteral("Stay on the file system of each folder.")},
+        {filesFromOption,
+         QStringLiteral("Read more folders from this list, which is separated by line feeds or "
+                        "NUL; - is standard input."),
+         QStringLiteral("LIST")},
     });
-    parser->addOption({QStringLiteral("help"), QStringLiteral("Print this help.")});
-    parser->addOption({QStringLiteral("version"), QStringLiteral("Print the version.")});
+}
+
+void addOutputOptions(QCommandLineParser *parser)
+{
+    parser->addOptions({
+        {joinedOption,
+         QStringLiteral(
+             "Print the groups as the window shows them: files of one size in one group, "
+             "also where they are copies of different files.")},
+        {{QStringLiteral("f"), omitFirstOption},
+         QStringLiteral("Leave out the first file of each group.")},
+        {sortOption,
+         QStringLiteral("Sort the groups by first path, or with the largest first."),
+         QStringLiteral("path|size|count")},
+        {{QStringLiteral("0"), print0Option},
+         QStringLiteral("End a name, and a group, in NUL instead of a line feed.")},
+        {separatorOption,
+         QStringLiteral("What stands between groups: a blank line, or nothing."),
+         QStringLiteral("none|blank")},
+        {jsonOption, QStringLiteral("Print a JSON document.")},
+        {csvOption, QStringLiteral("Print a CSV table of group, size and path.")},
+        {summaryOption, QStringLiteral("Print what was found, in figures, to standard error.")},
+        {{QStringLiteral("q"), quietOption},
+         QStringLiteral("Show no progress and no figures on a terminal.")},
+        {noMessagesOption, QStringLiteral("Do not name what cannot be read.")},
+        {eventsOption, QStringLiteral("Print each signal of the scan to standard error.")},
+        {stopAfterOption,
+         QStringLiteral("Stop the scan after that many signals."),
+         QStringLiteral("N")},
+        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Print this help.")},
+        {QStringLiteral("version"), QStringLiteral("Print the version.")},
+    });
+}
+
+void addOptions(QCommandLineParser *parser)
+{
+    parser->setApplicationDescription(QStringLiteral(
+        "Finds files of equal content and prints their names, a group after the other.\n"
+        "It reads files and never changes one."));
+    parser->addPositionalArgument(QStringLiteral("FOLDER"),
+                                  QStringLiteral("Folders to scan, with all below them."),
+                                  QStringLiteral("FOLDER..."));
+    addScanOptions(parser);
+    addOutputOptions(parser);
 }
 
 bool readMode(const QCommandLineParser &parser, ScanArguments *arguments)
@@ -134,41 +197,122 @@ bool readNumbers(const QCommandLineParser &parser, ScanArguments *arguments)
     return true;
 }
 
-// The walk does not enter hidden folders, so what lies behind one is not reached.
-bool isReachedFrom(const QString &folder, const QString &other)
+// A number of bytes, with K, M, G or T behind it that many times 1024 of the one before.
+bool readSize(const QCommandLineParser &parser,
+              const QString &option,
+              qint64 *bytes,
+              QString *error)
 {
-    const QString prefix =
-        other.endsWith(QLatin1Char('/')) ? other : QString(other + QLatin1Char('/'));
-    return folder != other && folder.startsWith(prefix)
-        && !folder.midRef(prefix.size() - 1).contains(QLatin1String("/."));
+    if (!parser.isSet(option)) {
+        return true;
+    }
+    static const QRegularExpression form(QStringLiteral("^([0-9]+)([KMGTkmgt]?)$"));
+    const QRegularExpressionMatch match = form.match(parser.value(option));
+    const int power = QStringLiteral("KMGT").indexOf(match.captured(2).toUpper()) + 1;
+    const qint64 unit = Q_INT64_C(1) << (match.capturedLength(2) > 0 ? 10 * power : 0);
+    bool isNumber = false;
+    const qint64 number = match.captured(1).toLongLong(&isNumber);
+    if (!isNumber || number > std::numeric_limits<qint64>::max() / unit) {
+        *error = QStringLiteral("--%1 takes a size such as 500, 20K, 3M or 1G, not \"%2\"")
+                     .arg(option, parser.value(option));
+        return false;
+    }
+    *bytes = number * unit;
+    return true;
 }
 
-bool readFolders(const QStringList &names, ScanArguments *arguments)
+bool readWalkOptions(const QCommandLineParser &parser, ScanArguments *arguments)
 {
-    QStringList folders;
-    for (const QString &name : names) {
-        // Absolute before it is looked at: the toolkit takes ":/" for what is compiled into it.
-        const bool isRelative = !name.isEmpty() && !name.startsWith(QLatin1Char('/'));
-        const QString path = isRelative ? QDir::currentPath() + QLatin1Char('/') + name : name;
-        const QFileInfo info(path);
-        if (!info.isDir()) {
-            arguments->error = info.exists() ? QStringLiteral("\"%1\" is not a folder").arg(name)
-                                             : QStringLiteral("\"%1\" does not exist").arg(name);
-            return false;
+    WalkOptions &walk = arguments->walkOptions;
+    walk.followsLinks = !parser.isSet(noLinksOption);
+    walk.takesHidden = parser.isSet(hiddenOption);
+    walk.staysOnFileSystem = parser.isSet(oneFileSystemOption);
+    return readSize(parser, minSizeOption, &walk.minBytes, &arguments->error)
+        && readSize(parser, maxSizeOption, &walk.maxBytes, &arguments->error);
+}
+
+// False where two are given of which one would make the other void, or dangerous.
+bool checkForConflicts(const QCommandLineParser &parser, QString *error)
+{
+    const QStringList texts = {print0Option, separatorOption, omitFirstOption};
+    const QVector<QPair<QString, QStringList>> conflicts = {
+        {jsonOption, QStringList(texts) << csvOption << joinedOption},
+        {csvOption, QStringList(texts) << joinedOption},
+        // Who removes all but the first of a joined group removes the last copy of a content.
+        {joinedOption, {omitFirstOption, sortOption, summaryOption}},
+    };
+    for (const auto &conflict : conflicts) {
+        for (const QString &other : conflict.second) {
+            if (parser.isSet(conflict.first) && parser.isSet(other)) {
+                *error = QStringLiteral("--%1 cannot be used with --%2").arg(conflict.first, other);
+                return false;
+            }
         }
-        folders.append(QDir::cleanPath(path));
     }
-    folders.removeDuplicates();
-    for (const QString &folder : qAsConst(folders)) {
-        const auto reaches = [&folder](const QString &other) {
-            return isReachedFrom(folder, other);
-        };
-        if (std::none_of(folders.cbegin(), folders.cend(), reaches)) {
-            arguments->folders.append(folder);
+    return true;
+}
+
+// False for anything but one of the values; an option not given has the first one.
+template<typename Value>
+bool readChoice(const QCommandLineParser &parser,
+                const QString &option,
+                const QVector<QPair<QString, Value>> &choices,
+                Value *value,
+                QString *error)
+{
+    QStringList names;
+    for (const auto &choice : choices) {
+        if (!parser.isSet(option) || parser.value(option) == choice.first) {
+            *value = choice.second;
+            return true;
         }
+        names.append(choice.first);
     }
-    arguments->error = QStringLiteral("no folder is given");
-    return !folders.isEmpty();
+    *error = QStringLiteral("--%1 takes %2, not \"%3\"")
+                 .arg(option, names.join(QLatin1String(" or ")), parser.value(option));
+    return false;
+}
+
+bool readOutput(const QCommandLineParser &parser, ScanArguments *arguments)
+{
+    using Order = ScanArguments::Order;
+    arguments->format = parser.isSet(jsonOption) ? ScanArguments::Format::Json
+        : parser.isSet(csvOption)                ? ScanArguments::Format::Csv
+                                                 : ScanArguments::Format::Text;
+    arguments->isJoined = parser.isSet(joinedOption);
+    arguments->omitsFirst = parser.isSet(omitFirstOption);
+    arguments->print0 = parser.isSet(print0Option);
+    arguments->printsSummary = parser.isSet(summaryOption);
+    arguments->isQuiet = parser.isSet(quietOption);
+    arguments->printsMessages = !parser.isSet(noMessagesOption);
+    arguments->printsEvents = parser.isSet(eventsOption);
+    return checkForConflicts(parser, &arguments->error)
+        && readChoice<bool>(parser,
+                            separatorOption,
+                            {{QStringLiteral("blank"), true}, {QStringLiteral("none"), false}},
+                            &arguments->separatesGroups,
+                            &arguments->error)
+        && (!parser.isSet(sortOption)
+            || readChoice<Order>(parser,
+                                 sortOption,
+                                 {{QStringLiteral("path"), Order::Path},
+                                  {QStringLiteral("size"), Order::Size},
+                                  {QStringLiteral("count"), Order::Count}},
+                                 &arguments->order,
+                                 &arguments->error));
+}
+
+bool readFolders(const QCommandLineParser &parser, ScanArguments *arguments)
+{
+    QStringList names = parser.positionalArguments();
+    if (parser.isSet(filesFromOption)
+        && !FolderArguments::readList(parser.value(filesFromOption), &names, &arguments->error)) {
+        return false;
+    }
+    return FolderArguments::reduce(names,
+                                   arguments->walkOptions,
+                                   &arguments->folders,
+                                   &arguments->error);
 }
 } // namespace
 
@@ -190,11 +334,10 @@ ScanArguments ScanArguments::parse(const QStringList &arguments)
         result.action = Action::ShowVersion;
         return result;
     }
-    result.print0 = parser.isSet(print0Option);
-    result.printsEvents = parser.isSet(eventsOption);
     readMasks(parser, &result.profile);
     if (readMode(parser, &result) && readNumbers(parser, &result)
-        && readFolders(parser.positionalArguments(), &result)) {
+        && readWalkOptions(parser, &result) && readOutput(parser, &result)
+        && readFolders(parser, &result)) {
         result.action = Action::Scan;
         result.error.clear();
     }

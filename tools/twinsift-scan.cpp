@@ -1,23 +1,35 @@
 // SPDX-License-Identifier: MIT
 #include "app/Product.h"
+#include "engine/ScanProgress.h"
+#include "tools/ByteText.h"
+#include "tools/GroupWriter.h"
+#include "tools/ProgressLine.h"
 #include "tools/ScanArguments.h"
+#include "tools/ScanJson.h"
 #include "tools/ScanOutput.h"
 #include "tools/ScanRunner.h"
+#include "tools/StopSignals.h"
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QLoggingCategory>
 #include <QTextCodec>
 
 #include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstring>
+#include <memory>
 
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace
 {
-enum Status { Done = 0, CannotWrite = 1, BadArguments = 2 };
+// A scan that a signal has stopped ends with this and the number of the signal.
+constexpr int signalStatus = 128;
+
+enum Status { Done = 0, CannotWrite = 1, CannotRead = 1, BadArguments = 2 };
 
 // A channel that is closed would be taken by the first file that is opened, and the list or a message
 // be written into that. What stands in for it cannot be written or read, as if it were closed still.
@@ -47,45 +59,120 @@ void complain(const QString &reason)
     output.flush();
 }
 
-Status finish(ScanOutput *output)
+int finish(ScanOutput *output)
 {
     if (output->flush()) {
         return Done;
+    }
+    // Who ignores the signal for it is answered as if he did not.
+    if (errno == EPIPE) {
+        return signalStatus + SIGPIPE;
     }
     complain(QStringLiteral("cannot write: %1").arg(qt_error_string(errno)));
     return CannotWrite;
 }
 
-Status print(const QString &text)
+int print(const QString &text)
 {
     ScanOutput output(STDOUT_FILENO);
     output.write(text.toLocal8Bit());
     return finish(&output);
 }
 
-Status printGroups(const QList<QStringList> &groups, bool print0)
+int printGroups(const ScanReport &report, const ScanArguments &arguments)
 {
-    const char separator = print0 ? '\0' : '\n';
     ScanOutput output(STDOUT_FILENO);
-    for (const QStringList &group : groups) {
-        for (const QString &path : group) {
-            output.write(QFile::encodeName(path) + separator);
+    const QVector<ReportedGroup> groups = GroupWriter::sorted(report.groups, arguments.order);
+    if (arguments.isJoined) {
+        for (const QStringList &group : report.joinedGroups) {
+            GroupWriter::writeText(group, arguments, &output);
         }
-        output.write(QByteArray(1, separator));
+    } else if (arguments.format == ScanArguments::Format::Json) {
+        ScanJson::write(groups, report, arguments, &output);
+    } else if (arguments.format == ScanArguments::Format::Csv) {
+        GroupWriter::writeCsv(groups, &output);
+    } else {
+        for (const ReportedGroup &group : groups) {
+            GroupWriter::writeText(group.paths, arguments, &output);
+        }
     }
     return finish(&output);
 }
 
+// One line for each path, whatever its name is made of.
+void nameSkipped(const ScanReport &report)
+{
+    ScanOutput output(STDERR_FILENO);
+    for (const SkippedPath &skipped : report.skipped) {
+        output.write("twinsift-scan: ");
+        for (const char byte : skipped.path) {
+            const bool isControl = (byte & 0xE0) == 0 || byte == 0x7F;
+            output.write(isControl ? '\\' + QByteArray::number(byte, 8).rightJustified(3, '0')
+                                   : QByteArray(1, byte));
+        }
+        output.write(": " + skipped.reason.toLocal8Bit() + '\n');
+    }
+    output.flush();
+}
+
+void printSummary(const ScanReport &report)
+{
+    const auto line = [](const char *name, const QByteArray &value) -> QByteArray {
+        return QByteArray(name).leftJustified(18) + value + '\n';
+    };
+    const qint64 bytes = report.freeableBytes();
+    ScanOutput output(STDERR_FILENO);
+    output.write(line("files looked at", QByteArray::number(report.filesFound)));
+    output.write(line("skipped", QByteArray::number(report.skipped.size())));
+    output.write(line("groups", QByteArray::number(report.groups.size())));
+    output.write(line("redundant files", QByteArray::number(report.redundantFiles())));
+    output.write(line("could be freed",
+                      bytes < 1024
+                          ? ByteText::of(bytes)
+                          : QByteArray::number(bytes) + " bytes (" + ByteText::of(bytes) + ')'));
+    output.write(line("seconds",
+                      QByteArray::number(static_cast<double>(report.milliseconds) / 1000, 'f', 3)));
+    output.flush();
+}
+
+int finishScan(const ScanReport &report, const ScanArguments &arguments, bool isShown)
+{
+    if (arguments.printsMessages) {
+        nameSkipped(report);
+    }
+    const int status = printGroups(report, arguments);
+    if (status != Done) {
+        return status;
+    }
+    if (arguments.printsSummary || (isShown && !arguments.isJoined)) {
+        printSummary(report);
+    }
+    if (StopSignals::number() != 0) {
+        return signalStatus + StopSignals::number();
+    }
+    return arguments.printsMessages && !report.skipped.isEmpty() ? CannotRead : Done;
+}
+
 int scan(const ScanArguments &arguments)
 {
+    // Each file that cannot be read is named once, at the end.
+    if (!arguments.printsEvents) {
+        QLoggingCategory::setFilterRules(QStringLiteral("default.critical=false"));
+    }
+    const bool isShown =
+        !arguments.printsEvents && !arguments.isQuiet && ::isatty(STDERR_FILENO) == 1;
+    ScanProgress::instance()->isWatched = isShown;
+    std::unique_ptr<ProgressLine> progress;
+    if (isShown) {
+        progress = std::make_unique<ProgressLine>(STDERR_FILENO, nullptr);
+    }
+    const StopSignals stopSignals(nullptr);
     ScanRunner runner(arguments, nullptr);
-    const bool print0 = arguments.print0;
-    QObject::connect(&runner,
-                     &ScanRunner::finished,
-                     &runner,
-                     [print0](const QList<QStringList> &groups) {
-                         QCoreApplication::exit(printGroups(groups, print0));
-                     });
+    QObject::connect(&stopSignals, &StopSignals::caught, &runner, &ScanRunner::stop);
+    QObject::connect(&runner, &ScanRunner::finished, &runner, [&] {
+        progress.reset();
+        QCoreApplication::exit(finishScan(runner.report(), arguments, isShown));
+    });
     runner.start();
     return QCoreApplication::exec();
 }

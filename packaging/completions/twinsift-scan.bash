@@ -18,7 +18,22 @@ _twinsift_scan()
                 < <(compgen -W 'md5 sha1 crc' -- "$word")
             return
             ;;
-        --include | --exclude | --min-kb | --max-kb | --stop-after)
+        --sort)
+            while IFS= read -r line; do COMPREPLY+=("$line"); done \
+                < <(compgen -W 'path size count' -- "$word")
+            return
+            ;;
+        --separator)
+            while IFS= read -r line; do COMPREPLY+=("$line"); done \
+                < <(compgen -W 'none blank' -- "$word")
+            return
+            ;;
+        --files-from)
+            compopt -o filenames 2>/dev/null
+            while IFS= read -r line; do COMPREPLY+=("$line"); done < <(compgen -A file -- "$word")
+            return
+            ;;
+        --include | --exclude | --min-kb | --max-kb | --min-size | --max-size | --stop-after)
             return
             ;;
     esac
@@ -26,7 +41,10 @@ _twinsift_scan()
     if [[ $word == -* ]]; then
         while IFS= read -r line; do COMPREPLY+=("$line"); done < <(compgen -W '
             --advanced --same-name --same-extension --same-date --include --exclude
-            --min-kb --max-kb --print0 --events --stop-after --help --version' -- "$word")
+            --min-kb --max-kb --min-size --max-size --hidden --no-links --one-file-system
+            --files-from --joined -f --omit-first --sort -0 --print0 --separator --json --csv
+            --summary -q --quiet --no-messages --events --stop-after -h --help --version' \
+            -- "$word")
     else
         compopt -o filenames 2>/dev/null
         while IFS= read -r line; do COMPREPLY+=("$line"); done < <(compgen -A directory -- "$word")

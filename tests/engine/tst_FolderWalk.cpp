@@ -93,9 +93,8 @@ FolderWalk::Events tst_FolderWalk::recordingEvents()
             [this](const QString &done) { record.append(QStringLiteral("done ") + done); },
             [] { return false; },
             [] { return false; },
-            [] {
-                return true;
-            }};
+            [] { return true; },
+            nullptr};
 }
 
 void tst_FolderWalk::walkIsThatOfTheToolkit_data()
@@ -134,7 +133,7 @@ void tst_FolderWalk::walkIsThatOfTheToolkit()
     QStringList plain;
     walkPlainly(tree->root(), {}, &plain);
     QVERIFY(plain.size() > 100);
-    FolderWalk({}, {}, ScanProfile(), recordingEvents()).walk(tree->root());
+    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents()).walk(tree->root());
     QCOMPARE(record, plain);
 }
 
@@ -151,7 +150,7 @@ void tst_FolderWalk::sizesAreTold()
     events.fileFound = [this](const QString &path, qint64 size) {
         record.append(QStringLiteral("%1 %2").arg(QFileInfo(path).fileName()).arg(size));
     };
-    const QStringList names = FolderWalk({}, {}, profile, events).walk(tree->root());
+    const QStringList names = FolderWalk({}, {}, profile, WalkOptions(), events).walk(tree->root());
     QCOMPARE(names, QStringList({QStringLiteral("a"), QStringLiteral("b")}));
     QCOMPARE(record.filter(QRegularExpression(QStringLiteral("^[abc] "))),
              QStringList({QStringLiteral("a 3000"), QStringLiteral("c 2000")}));
@@ -166,7 +165,7 @@ void tst_FolderWalk::systemIsNotEntered()
     }
     tree->file(QStringLiteral("file"));
     tree->link(QStringLiteral("system"), QStringLiteral("/proc/sys/kernel/random"));
-    FolderWalk({}, {}, ScanProfile(), recordingEvents()).walk(tree->root());
+    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents()).walk(tree->root());
     QCOMPARE(
         record,
         QStringList({tree->path(QStringLiteral("file")), QStringLiteral("done ") + tree->root()}));
@@ -179,7 +178,7 @@ void tst_FolderWalk::chosenSystemFolderIsWalked()
     if (!QFileInfo::exists(chosen + QStringLiteral("/random/uuid"))) {
         QSKIP("There is no /proc/sys/kernel/random/uuid here.");
     }
-    FolderWalk({}, {}, ScanProfile(), recordingEvents()).walk(chosen);
+    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents()).walk(chosen);
     QVERIFY(record.contains(chosen + QStringLiteral("/random/uuid")));
     QCOMPARE(record.last(), QStringLiteral("done ") + chosen);
 }
@@ -197,7 +196,8 @@ void tst_FolderWalk::linksThatMultiply()
     expectMessage(QtDebugMsg,
                   QStringLiteral("Too many links lead to the folder: %1")
                       .arg(QFileInfo(tree->path(QString::number(levels))).canonicalFilePath()));
-    FolderWalk({}, {}, ScanProfile(), recordingEvents()).walk(tree->path(QStringLiteral("0")));
+    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents())
+        .walk(tree->path(QStringLiteral("0")));
     // Two ways to the first, four to the second, and so on until the bound is reached.
     QCOMPARE(record.filter(QStringLiteral("/file")).size(), 1000);
     int ways = 0;
@@ -217,7 +217,7 @@ void tst_FolderWalk::deepFoldersOnASmallStack()
     }
     tree->file(deep + QStringLiteral("file"));
     SmallThread thread(128 * 1024, [this] {
-        FolderWalk({}, {}, ScanProfile(), recordingEvents()).walk(tree->root());
+        FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents()).walk(tree->root());
     });
     thread.start();
     QVERIFY(thread.wait(60000));
@@ -234,7 +234,7 @@ void tst_FolderWalk::endsWhenItIsLeft()
     events.isLeaving = [this] {
         return record.size() >= 2;
     };
-    FolderWalk({}, {}, ScanProfile(), events).walk(tree->root());
+    FolderWalk({}, {}, ScanProfile(), WalkOptions(), events).walk(tree->root());
     QCOMPARE(record,
              QStringList({tree->path(QStringLiteral("a/1")),
                           QStringLiteral("done ") + tree->path(QStringLiteral("a"))}));

@@ -192,7 +192,8 @@ void tst_HostileNames::namesComeOutOfTheConsoleByteForByte()
 
 void tst_HostileNames::namesThatAreNoTextAreNotListed()
 {
-    // A name that is no valid UTF-8 is passed over, file or folder, and all others are found.
+    // A name that is no valid UTF-8 is passed over, file or folder, and all others are found; the console
+    // names it.
     const TempTree tree(path(QStringLiteral("tree")));
     const int parent = ::open(root().constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const QByteArrayList bad = {"\xff\xfe", "cut \xe2\x82", "long \xc0\xaf", "half \xed\xa0\x80"};
@@ -214,7 +215,12 @@ void tst_HostileNames::namesThatAreNoTextAreNotListed()
     removeBelow(parent, {"folder \x80"}, QByteArrayList{"inside"} + bad);
     ::close(parent);
     QCOMPARE(groups, expectedGroups);
-    QCOMPARE(process.status, 0);
+    QCOMPARE(process.status, 1);
+    QCOMPARE(process.messages.size(), bad.size() + 1);
+    for (const QByteArray &name : bad + QByteArrayList{"folder \x80"}) {
+        QVERIFY(process.messages.contains("twinsift-scan: " + root() + '/' + name
+                                          + ": its name is no valid UTF-8"));
+    }
     QCOMPARE(process.groups,
              (QList<QByteArrayList>{{root() + "/good name", root() + "/good folder/inside"}}));
 }

@@ -13,5 +13,9 @@ same "the function for twinsift-scan" _twinsift-scan "$(zsh -f -c '
 # What zsh hands to _arguments, seen by a function that stands in for it.
 zsh -f -c '_arguments() { print -rl -- "$@" }; . $1' zsh "$completion" |
     grep -oE -- '--[a-z0-9-]+\[' | tr -d '[' | sort -u >"$scratch/options"
+zsh -f -c '_arguments() { print -rl -- "$@" }; . $1' zsh "$completion" |
+    grep -oE -- '(^|\))-[a-z0-9]\[' | tr -d ')[' | sort -u >"$scratch/letters"
+sh "$TWINSIFT_SOURCE/tests/packaging/documented-options" -s >"$scratch/page"
+same_lines "other letters are offered than the manual page has" "$scratch/page" "$scratch/letters"
 sh "$TWINSIFT_SOURCE/tests/packaging/documented-options" >"$scratch/page"
 same_lines "other options are offered than the manual page has" "$scratch/page" "$scratch/options"

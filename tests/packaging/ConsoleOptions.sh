@@ -8,5 +8,8 @@ program=$TWINSIFT_RELEASE/twinsift-scan
 [ -x "$program" ] || skip "$program is not built"
 # The toolkit adds --help-all on its own, which shows its common options as well.
 "$program" --help | grep -oE -- '--[a-z0-9-]+' | grep -vx -- --help-all | sort -u >"$scratch/help"
+"$program" --help | grep -oE -- '^  -[a-z0-9],' | tr -d ' ,' | sort -u >"$scratch/letters"
+sh "$TWINSIFT_SOURCE/tests/packaging/documented-options" -s >"$scratch/page"
+same_lines "the manual page has other letters than --help" "$scratch/letters" "$scratch/page"
 sh "$TWINSIFT_SOURCE/tests/packaging/documented-options" >"$scratch/page"
 same_lines "the manual page has other options than --help" "$scratch/help" "$scratch/page"

@@ -4,7 +4,9 @@
 #include "tools/ScanArguments.h"
 
 #include <QDir>
+#include <QFile>
 
+#include <limits>
 #include <memory>
 
 class tst_ScanArguments final : public TestCase
@@ -18,8 +20,13 @@ private slots:
     void checksums_data();
     void checksums();
     void masks();
+    void sizes_data();
+    void sizes();
+    void shortOptions();
     void folders();
     void foldersInsideEachOther();
+    void foldersThatAreReachedAnotherWay();
+    void listOfFolders();
     void refused_data();
     void refused();
     void namesOfTheToolkitsResources_data();
@@ -59,7 +66,20 @@ void tst_ScanArguments::defaults()
     QVERIFY(arguments.profile.excludeMasks.isEmpty());
     QVERIFY(!arguments.profile.minSizeEnabled);
     QVERIFY(!arguments.profile.maxSizeEnabled);
+    QVERIFY(arguments.walkOptions.followsLinks);
+    QVERIFY(!arguments.walkOptions.takesHidden);
+    QVERIFY(!arguments.walkOptions.staysOnFileSystem);
+    QCOMPARE(arguments.walkOptions.minBytes, 0);
+    QCOMPARE(arguments.walkOptions.maxBytes, std::numeric_limits<qint64>::max());
+    QCOMPARE(arguments.format, ScanArguments::Format::Text);
+    QCOMPARE(arguments.order, ScanArguments::Order::Found);
+    QVERIFY(!arguments.isJoined);
+    QVERIFY(!arguments.omitsFirst);
     QVERIFY(!arguments.print0);
+    QVERIFY(arguments.separatesGroups);
+    QVERIFY(!arguments.printsSummary);
+    QVERIFY(!arguments.isQuiet);
+    QVERIFY(arguments.printsMessages);
     QVERIFY(!arguments.printsEvents);
     QCOMPARE(arguments.stopAfter, 0);
 }
@@ -78,7 +98,20 @@ void tst_ScanArguments::allOptions()
                                            QStringLiteral("3"),
                                            QStringLiteral("--max-kb"),
                                            QStringLiteral("1099511627776"),
+                                           QStringLiteral("--min-size=4"),
+                                           QStringLiteral("--max-size"),
+                                           QStringLiteral("5"),
+                                           QStringLiteral("--hidden"),
+                                           QStringLiteral("--no-links"),
+                                           QStringLiteral("--one-file-system"),
+                                           QStringLiteral("--omit-first"),
+                                           QStringLiteral("--sort=count"),
                                            QStringLiteral("--print0"),
+                                           QStringLiteral("--separator"),
+                                           QStringLiteral("none"),
+                                           QStringLiteral("--summary"),
+                                           QStringLiteral("--quiet"),
+                                           QStringLiteral("--no-messages"),
                                            QStringLiteral("--events"),
                                            QStringLiteral("--stop-after"),
                                            QStringLiteral("7")});
@@ -93,9 +126,69 @@ void tst_ScanArguments::allOptions()
     QCOMPARE(arguments.profile.minSizeInKbytes, 3);
     QVERIFY(arguments.profile.maxSizeEnabled);
     QCOMPARE(arguments.profile.maxSizeInKbytes, Q_INT64_C(1) << 40);
+    QCOMPARE(arguments.walkOptions.minBytes, 4);
+    QCOMPARE(arguments.walkOptions.maxBytes, 5);
+    QVERIFY(arguments.walkOptions.takesHidden);
+    QVERIFY(!arguments.walkOptions.followsLinks);
+    QVERIFY(arguments.walkOptions.staysOnFileSystem);
+    QVERIFY(arguments.omitsFirst);
+    QCOMPARE(arguments.order, ScanArguments::Order::Count);
     QVERIFY(arguments.print0);
+    QVERIFY(!arguments.separatesGroups);
+    QVERIFY(arguments.printsSummary);
+    QVERIFY(arguments.isQuiet);
+    QVERIFY(!arguments.printsMessages);
     QVERIFY(arguments.printsEvents);
     QCOMPARE(arguments.stopAfter, 7);
+    QCOMPARE(parse({QStringLiteral("--json"), tree->root()}).format, ScanArguments::Format::Json);
+    QCOMPARE(parse({QStringLiteral("--csv"), tree->root()}).format, ScanArguments::Format::Csv);
+    QVERIFY(parse({QStringLiteral("--joined"), tree->root()}).isJoined);
+    const auto order = [this](const char *name) {
+        return parse({QStringLiteral("--sort"), QLatin1String(name), tree->root()}).order;
+    };
+    QCOMPARE(order("path"), ScanArguments::Order::Path);
+    QCOMPARE(order("size"), ScanArguments::Order::Size);
+}
+
+void tst_ScanArguments::sizes_data()
+{
+    QTest::addColumn<QString>("size");
+    QTest::addColumn<qint64>("bytes");
+    QTest::newRow("bytes") << QStringLiteral("1000") << qint64(1000);
+    QTest::newRow("nothing") << QStringLiteral("0") << qint64(0);
+    QTest::newRow("K") << QStringLiteral("1K") << qint64(1024);
+    QTest::newRow("small k") << QStringLiteral("3k") << qint64(3072);
+    QTest::newRow("M") << QStringLiteral("10M") << qint64(10485760);
+    QTest::newRow("G") << QStringLiteral("2G") << qint64(2147483648);
+    QTest::newRow("T") << QStringLiteral("1T") << (Q_INT64_C(1) << 40);
+    QTest::newRow("largest") << QStringLiteral("9223372036854775807")
+                             << std::numeric_limits<qint64>::max();
+    QTest::newRow("most of T") << QStringLiteral("8388607T") << (Q_INT64_C(8388607) << 40);
+}
+
+void tst_ScanArguments::sizes()
+{
+    // Sizes are bytes; K, M, G and T are powers of 1024.
+    QFETCH(QString, size);
+    QFETCH(qint64, bytes);
+    const ScanArguments arguments = parse(
+        {QStringLiteral("--min-size"), size, QStringLiteral("--max-size=") + size, tree->root()});
+    QCOMPARE(arguments.error, QString());
+    QCOMPARE(arguments.walkOptions.minBytes, bytes);
+    QCOMPARE(arguments.walkOptions.maxBytes, bytes);
+    QVERIFY(!arguments.profile.minSizeEnabled);
+    QVERIFY(!arguments.profile.maxSizeEnabled);
+}
+
+void tst_ScanArguments::shortOptions()
+{
+    // The letters stand for their words, also several behind one dash.
+    QCOMPARE(parse({QStringLiteral("-h")}).action, ScanArguments::Action::ShowHelp);
+    const ScanArguments arguments = parse({QStringLiteral("-0fq"), tree->root()});
+    QCOMPARE(arguments.action, ScanArguments::Action::Scan);
+    QVERIFY(arguments.print0);
+    QVERIFY(arguments.omitsFirst);
+    QVERIFY(arguments.isQuiet);
 }
 
 void tst_ScanArguments::checksums_data()
@@ -169,6 +262,50 @@ void tst_ScanArguments::foldersInsideEachOther()
     QCOMPARE(parse({sub, QStringLiteral("/")}).folders, QStringList(QStringLiteral("/")));
 }
 
+void tst_ScanArguments::foldersThatAreReachedAnotherWay()
+{
+    // What the walk reaches depends on its options: hidden folders, links, other file systems.
+    const QString root = tree->root();
+    const QString hidden = tree->folder(QStringLiteral(".hidden/below"));
+    const QString link = tree->link(QStringLiteral("link"), QStringLiteral(".hidden"));
+    const QString inside = link + QStringLiteral("/below");
+    QCOMPARE(parse({root, hidden}).folders, QStringList({root, hidden}));
+    QCOMPARE(parse({QStringLiteral("--hidden"), hidden, root}).folders, QStringList(root));
+    QCOMPARE(parse({root, link, inside}).folders, QStringList(root));
+    QCOMPARE(parse({QStringLiteral("--no-links"), root, link, inside}).folders,
+             QStringList({root, link}));
+    const QStringList system = {QStringLiteral("/"), QStringLiteral("/proc")};
+    QCOMPARE(parse(system).folders, QStringList(QStringLiteral("/")));
+    if (!QFile::exists(QStringLiteral("/proc/self"))) {
+        QSKIP("There is no other file system at /proc.");
+    }
+    QCOMPARE(parse(QStringList(QStringLiteral("--one-file-system")) + system).folders, system);
+}
+
+void tst_ScanArguments::listOfFolders()
+{
+    // Folders are read from a list, by lines or, where there is a NUL, by NUL; they follow the others.
+    const QString a = tree->folder(QStringLiteral("a"));
+    const QString b = tree->folder(QStringLiteral("b b"));
+    const QString c = tree->folder(QStringLiteral("c\nc"));
+    QVERIFY(QDir::setCurrent(tree->root()));
+    const auto fromList = [this](const QByteArray &list) {
+        return parse({QStringLiteral("--files-from"),
+                      tree->file(QStringLiteral("list"), list),
+                      QStringLiteral("a")})
+            .folders;
+    };
+    QCOMPARE(fromList("b b\n\na"), QStringList({a, b}));
+    QCOMPARE(fromList(QByteArray("c\nc\0b b\0", 8)), QStringList({a, c, b}));
+    QCOMPARE(fromList(""), QStringList(a));
+    QCOMPARE(parse({QStringLiteral("--files-from=none")}).error,
+             QStringLiteral("cannot read \"none\": No such file or directory"));
+    QCOMPARE(parse({QStringLiteral("--files-from=a")}).action, ScanArguments::Action::Refuse);
+    tree->file(QStringLiteral("list"), "a\nnone\n");
+    QCOMPARE(parse({QStringLiteral("--files-from=list")}).error,
+             QStringLiteral("\"none\" does not exist"));
+}
+
 void tst_ScanArguments::refused_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -192,6 +329,21 @@ void tst_ScanArguments::refused_data()
     row("unknown checksum",
         "--advanced crc32 .",
         "--advanced takes md5, sha1 or crc, not \"crc32\"");
+    row("unknown order", "--sort name .", "--sort takes path or size or count, not \"name\"");
+    row("unknown separator", "--separator=line .", "--separator takes blank or none, not \"line\"");
+    const char *const size = "takes a size such as 500, 20K, 3M or 1G, not";
+    for (const char *text :
+         {"", "K", "1X", "1.5M", "-1", "1 K", "8388608T", "9223372036854775808"}) {
+        QTest::addRow("size %s", text)
+            << QStringList{QStringLiteral("--max-size"), QLatin1String(text), QStringLiteral(".")}
+            << QStringLiteral("--max-size %1 \"%2\"").arg(QLatin1String(size), QLatin1String(text));
+    }
+    row("two forms", "--json --csv .", "--json cannot be used with --csv");
+    row("JSON with NUL", "--json -0 .", "--json cannot be used with --print0");
+    row("CSV without the first", "-f --csv .", "--csv cannot be used with --omit-first");
+    row("last copies", "--joined -f .", "--joined cannot be used with --omit-first");
+    row("joined JSON", "--joined --json .", "--json cannot be used with --joined");
+    row("joined and sorted", "--joined --sort size .", "--joined cannot be used with --sort");
     row("missing folder", ". none", "\"none\" does not exist");
     row("file", ". file", "\"file\" is not a folder");
     row("the toolkit's resources", ":/", "\":/\" does not exist");
@@ -245,10 +397,25 @@ void tst_ScanArguments::helpAndVersion()
                                "--exclude <MASKS>",
                                "--min-kb <N>",
                                "--max-kb <N>",
-                               "--print0",
+                               "--min-size <SIZE>",
+                               "--max-size <SIZE>",
+                               "--hidden",
+                               "--no-links",
+                               "--one-file-system",
+                               "--files-from <LIST>",
+                               "--joined",
+                               "-f, --omit-first",
+                               "--sort <path|size|count>",
+                               "-0, --print0",
+                               "--separator <none|blank>",
+                               "--json",
+                               "--csv",
+                               "--summary",
+                               "-q, --quiet",
+                               "--no-messages",
                                "--events",
                                "--stop-after <N>",
-                               "--help",
+                               "-h, --help",
                                "--version",
                                "FOLDER..."}) {
         QVERIFY2(help.helpText.contains(QLatin1String(option)), option);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
+#include "tests/tools/Console.h"
 
 #include <QDir>
 #include <QProcess>
@@ -36,7 +37,8 @@ private slots:
     void fullDevice();
     void closedChannels_data();
     void closedChannels();
-    void unreadableFile();
+    void unreadable_data();
+    void unreadable();
     void slowReader();
 
 private:
@@ -57,20 +59,6 @@ private:
 namespace
 {
 constexpr int longWaitMilliseconds = 60000;
-
-// A process without the rights of the super-user.
-class PlainProcess final : public QProcess
-{
-    Q_OBJECT
-
-protected:
-    void setupChildProcess() override
-    {
-        if (::geteuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0)) {
-            ::_exit(126);
-        }
-    }
-};
 } // namespace
 
 void tst_TwinsiftScan::init()
@@ -120,10 +108,12 @@ void tst_TwinsiftScan::groups()
     const Result result = run({tree->root()});
     QCOMPARE(result.status, 0);
     QCOMPARE(result.error, QByteArray());
-    // The order of the groups is that of a hash.
     const QByteArray one = a + '\n' + b + "\n\n";
     const QByteArray two = e + '\n' + f + "\n\n";
-    QVERIFY(result.output == one + two || result.output == two + one);
+    QCOMPARE(result.output, one + two);
+    // As the window shows them their order is that of a hash.
+    const QByteArray joined = run({QStringLiteral("--joined"), tree->root()}).output;
+    QVERIFY(joined == one + two || joined == two + one);
 }
 
 void tst_TwinsiftScan::groupsWithNul()
@@ -157,12 +147,15 @@ void tst_TwinsiftScan::advanced_data()
 
 void tst_TwinsiftScan::advanced()
 {
-    // The checksum is the one asked for: only the CRC of these two files is the same.
+    // The checksum is the one asked for: only the CRC of these two files is the same, and where the
+    // groups are not those of the window their bytes count.
     QFETCH(QString, checksum);
     QFETCH(bool, findsZero);
     const QByteArray empty = file("a", "");
     const QByteArray zero = file("b", QByteArray("\x9D\x0A\xD9\x6D", 4));
-    const Result result = run({QStringLiteral("--advanced"), checksum, tree->root()});
+    const QStringList options = {QStringLiteral("--advanced"), checksum, tree->root()};
+    QCOMPARE(run(options).output, QByteArray());
+    const Result result = run(options + QStringList(QStringLiteral("--joined")));
     QCOMPARE(result.status, 0);
     QCOMPARE(result.output, findsZero ? QByteArray(empty + '\n' + zero + "\n\n") : QByteArray());
 }
@@ -234,7 +227,10 @@ void tst_TwinsiftScan::stopAfter()
     file("c", "same!");
     file("d", "same!");
     const auto scan = [this](int number) {
-        return run({QStringLiteral("--stop-after"), QString::number(number), tree->root()});
+        return run({QStringLiteral("--joined"),
+                    QStringLiteral("--stop-after"),
+                    QString::number(number),
+                    tree->root()});
     };
     for (int number = 1; number <= 4; ++number) {
         QCOMPARE(scan(number).status, 0);
@@ -386,27 +382,45 @@ void tst_TwinsiftScan::closedChannels()
     QCOMPARE(errors.contains("cannot write"), !error.isEmpty());
 }
 
-void tst_TwinsiftScan::unreadableFile()
+void tst_TwinsiftScan::unreadable_data()
 {
-    // An unreadable file is logged and equal to nothing; the scan goes on.
-    file("a", "same!");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<bool>("isNamed");
+    QTest::newRow("named") << QStringList() << 1 << true;
+    QTest::newRow("checksum") << QStringList(QStringLiteral("--advanced=md5")) << 1 << true;
+    QTest::newRow("not named") << QStringList(QStringLiteral("--no-messages")) << 0 << false;
+}
+
+void tst_TwinsiftScan::unreadable()
+{
+    // What cannot be read is named in a line each and gives status 1, unless that is not wanted; the
+    // scan goes on.
+    QFETCH(QStringList, options);
+    QFETCH(int, status);
+    QFETCH(bool, isNamed);
+    const QByteArray a = file("a\nb", "same!");
     const QByteArray b = file("b", "same!");
     const QByteArray c = file("c", "same!");
-    tree->setMode(QStringLiteral("a"), 0);
+    const QByteArray locked = QFile::encodeName(tree->folder(QStringLiteral("locked")));
+    tree->setMode(QStringLiteral("a\nb"), 0);
+    tree->setMode(QStringLiteral("locked"), 0);
     for (const char *up : {"", "/..", "/../.."}) {
         const QByteArray place = QFile::encodeName(tree->root()) + up;
         QCOMPARE(::chmod(place.constData(), 0755), 0);
     }
-    PlainProcess process;
-    process.start(QStringLiteral(TWINSIFT_SCAN), {tree->root()});
-    QVERIFY(process.waitForFinished(longWaitMilliseconds)
-            || process.error() == QProcess::FailedToStart);
-    if (process.error() == QProcess::FailedToStart || process.exitCode() == 126) {
+    Console console;
+    console.dropRights();
+    console.start(options + QStringList(tree->root()));
+    const Console::Result result = console.result();
+    if (result.status < 0 || result.status == 126) {
         QSKIP("The super-user reads every file, and no other user can start the program here.");
     }
-    QCOMPARE(process.exitCode(), 0);
-    QCOMPARE(process.readAllStandardOutput(), b + '\n' + c + "\n\n");
-    QCOMPARE(process.readAllStandardError().count("/a cannot opened! Permission denied"), 2);
+    QCOMPARE(result.status, status);
+    QCOMPARE(result.output, b + '\n' + c + "\n\n");
+    const QByteArray lines = "twinsift-scan: " + locked + ": Permission denied\ntwinsift-scan: "
+        + QByteArray(a).replace('\n', "\\012") + ": Permission denied\n";
+    QCOMPARE(result.error, isNamed ? lines : QByteArray());
 }
 
 void tst_TwinsiftScan::slowReader()
