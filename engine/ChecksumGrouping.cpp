@@ -58,8 +58,10 @@ void ChecksumGrouping::run()
             return FileKey::ofContent(paths.at(file), options, goOn);
         });
     ScanProgress *const progress = ScanProgress::instance();
-    progress->filesToCompare = count;
-    progress->bytesToCompare = bytes;
+    if (progress->isWatched) {
+        progress->filesToCompare = count;
+        progress->bytesToCompare = bytes;
+    }
     QVector<ReadFile> readFiles;
     readFiles.reserve(count);
     for (const QString &path : qAsConst(files.paths)) {

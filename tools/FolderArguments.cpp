@@ -72,13 +72,16 @@ bool FolderArguments::reduce(const QStringList &names,
 {
     QStringList all;
     for (const QString &name : names) {
-        const QFileInfo info(name);
+        // Absolute before it is looked at: the toolkit takes ":/" for what is compiled into it.
+        const bool isRelative = !name.isEmpty() && !name.startsWith(QLatin1Char('/'));
+        const QString path = isRelative ? QDir::currentPath() + QLatin1Char('/') + name : name;
+        const QFileInfo info(path);
         if (!info.isDir()) {
             *error = info.exists() ? QStringLiteral("\"%1\" is not a folder").arg(name)
                                    : QStringLiteral("\"%1\" does not exist").arg(name);
             return false;
         }
-        all.append(QDir::cleanPath(QDir::current().absoluteFilePath(name)));
+        all.append(QDir::cleanPath(path));
     }
     all.removeDuplicates();
     const QSet<QString> set(all.cbegin(), all.cend());

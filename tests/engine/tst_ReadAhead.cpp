@@ -136,6 +136,7 @@ void tst_ReadAhead::waitingCanBeDenied()
     }
     QCOMPARE(asked, 3);
     gate.release(10);
+    QVERIFY(Background::waitForDone(maxWaitMilliseconds));
 }
 
 void tst_ReadAhead::whatIsGivenUpIsTold()

@@ -29,7 +29,7 @@ QVector<QThreadPool *> &abandonedPools()
 /** What the threads know. It outlives the prefetcher. */
 struct ThumbnailPrefetcher::Mailbox {
     QMutex mutex;
-    ThumbnailPrefetcher *receiver;
+    ThumbnailPrefetcher *receiver = nullptr;
     /** Paths, the most urgent first. */
     QStringList queue;
     QSet<QString> underWay;
