@@ -155,7 +155,7 @@ void DuplicatedFilesListWidget::onModelEvent(const ModelEvent *modelEvent)
     const auto *const event = static_cast<const FindDuplicatedFilesFinishedEvent *>(modelEvent);
     // Kept beside the rows, because the next scan replaces them before it hands its own groups over.
     shownGroups = event->duplicatedFiles;
-    findings = *ScanFindings::instance();
+    findings = ScanFindings(*ScanFindings::instance());
     tableModel->setDuplicatedFilesInList(event->duplicatedFiles);
     tableView->reset();
     areColumnsOutdated = true;
