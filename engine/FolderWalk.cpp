@@ -110,9 +110,11 @@ bool FolderWalk::enter(const QString &folder, Listing listing, bool isTop)
 FolderWalk::Listing FolderWalk::listAhead(const QString &folder, int depth) const
 {
     // The folder that is walked into first is the one that is waited for first.
-    return Listing([folder, takenMasks = masks](
-                       const GoOn &goOn) { return FolderListing::list(folder, takenMasks, goOn); },
-                   depth);
+    return Listing(
+        [folder, takenMasks = masks, takesHidden = options.takesHidden](const GoOn &goOn) {
+            return FolderListing::list(folder, takenMasks, goOn, takesHidden);
+        },
+        depth);
 }
 
 FolderWalk::Listing FolderWalk::takeListing(Frame *frame, const QString &folder)

@@ -4,6 +4,7 @@
 #include <QSocketNotifier>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 
@@ -15,7 +16,8 @@ namespace
 constexpr std::array<int, 3> numbers = {SIGINT, SIGTERM, SIGHUP};
 
 // All that a handler may touch.
-volatile std::sig_atomic_t firstNumber = 0;
+std::atomic<int> firstNumber = {0};
+static_assert(std::atomic<int>::is_always_lock_free);
 volatile std::sig_atomic_t isHandled[numbers.size()] = {};
 int pipeEnds[2] = {-1, -1};
 
@@ -32,8 +34,14 @@ void giveBack()
 extern "C" {
 static void handleStopSignal(int number)
 {
+    int none = 0;
+    if (!firstNumber.compare_exchange_strong(none, number)) {
+        // Another thread is in here still for the first one, and this is the second.
+        std::signal(number, SIG_DFL);
+        ::raise(number);
+        return;
+    }
     const int error = errno;
-    firstNumber = number;
     giveBack();
     // Nothing is lost if it fails: the number is kept.
     const ssize_t written = ::write(pipeEnds[1], "", 1);

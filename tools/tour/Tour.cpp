@@ -2,6 +2,7 @@
 #include "tools/tour/Tour.h"
 
 #include "app/MainWindow.h"
+#include "ui/results/PictureTip.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -12,7 +13,8 @@
 #include <QTableView>
 #include <QTest>
 #include <QTextStream>
-#include <QToolTip>
+
+#include <algorithm>
 
 namespace
 {
@@ -200,7 +202,13 @@ bool Tour::lookAtPicture()
         const QPoint point(place.left() + 60, place.center().y());
         QTest::mouseMove(table->viewport(), point - QPoint(5, 0));
         QTest::mouseMove(table->viewport(), point);
-        if (!QTest::qWaitFor([] { return QToolTip::isVisible(); })) {
+        const auto isTipVisible = [table] {
+            const auto tips = table->findChildren<PictureTip *>();
+            return std::any_of(tips.cbegin(), tips.cend(), [](const PictureTip *tip) {
+                return tip->isVisible();
+            });
+        };
+        if (!QTest::qWaitFor(isTipVisible)) {
             problem = QStringLiteral("no tool tip came up for %1").arg(paths.at(row));
             return false;
         }
