@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "engine/Background.h"
 #include "tests/faults/FaultShim.h"
 #include "tests/faults/FaultTree.h"
 #include "tests/faults/Scan.h"
@@ -212,13 +211,13 @@ void tst_Faults::folderThatCannotBeListedIsEmpty()
 {
     // A folder that cannot be opened is left out with all below it, and everything else is found.
     prepare();
-    // Several threads open the folders in any order.
-    Background::fixThreadCount(1);
     for (const int fault : faultsOf(FaultShim::Open)) {
-        // The first folder below the root, in the order of the walk. The root is the first to open.
+        // A folder below the root, which is the first to open; several threads open the others.
         scanWith(Scan::profile(Scan::Md5), FaultShim::Open, 2, fault);
-        QCOMPARE(spoiledPath(), tree->root() + QStringLiteral("/f0"));
         const QString prefix = spoiledPath() + QLatin1Char('/');
+        QVERIFY2(prefix.startsWith(tree->root() + QStringLiteral("/f"))
+                     && QFileInfo(spoiledPath()).isDir(),
+                 qPrintable(prefix));
         QSet<QSet<QString>> rest;
         for (QSet<QString> group : tree->groups()) {
             for (const QString &path : QSet<QString>(group)) {
@@ -232,7 +231,6 @@ void tst_Faults::folderThatCannotBeListedIsEmpty()
         }
         QCOMPARE(Scan::asSets(groups), rest);
     }
-    Background::fixThreadCount(0);
 }
 
 void tst_Faults::linkThatCannotBeResolvedIsNotEntered()
