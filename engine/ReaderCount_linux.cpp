@@ -11,7 +11,7 @@
 
 namespace
 {
-// More than eight made no cold scan faster on the machines that were tried.
+// Eight read the beginnings of a cold tree in a quarter of the time of one; more were not tried.
 constexpr int waitingReaders = 8;
 constexpr int readersOfRotationalDisk = 2;
 
