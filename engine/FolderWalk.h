@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "engine/Background.h"
 #include "engine/FileMasks.h"
+#include "engine/FolderBranch.h"
 #include "engine/FolderListing.h"
 #include "engine/GoOn.h"
 #include "engine/ScanProfile.h"
@@ -57,12 +57,12 @@ public:
     QStringList walk(const QString &folder);
 
 private:
-    using Listing = Pending<FolderListing::Entries>;
+    using Branch = std::shared_ptr<FolderBranch>;
     struct Frame;
 
-    bool enter(const QString &folder, Listing listing, bool isTop);
-    Listing listAhead(const QString &folder, int depth) const;
-    Listing takeListing(Frame *frame, const QString &folder);
+    bool enter(const QString &folder, const Branch &branch, bool isTop);
+    Branch listAhead(const QString &folder, int depth) const;
+    Branch branchOf(Frame *frame, const FolderListing::Folder &subfolder);
     void listSubfoldersAhead(Frame *frame);
     void walkSubfolders();
     bool mayEnter(const QString &path, const FolderListing::Folder &folder);
@@ -77,7 +77,7 @@ private:
     Events events;
     std::vector<std::unique_ptr<Frame>>
         frames; // the folder that is being walked, under those above it
-    int listingsAhead = 0;
+    int branchesAhead = 0;
     QHash<QString, int> entriesByLink;
     bool isBoundReported = false;
     QStringList topNames;
