@@ -219,13 +219,13 @@ Grouping::Events FileFinderEngine::groupingEvents()
     return events;
 }
 
-void FileFinderEngine::publish(const QList<QStringList> &groups) const
+void FileFinderEngine::publish(const QList<QStringList> &groups)
 {
     const ScanProfile profile = Configuration::instance()->scanProfile;
     ScanFindings *const findings = ScanFindings::instance();
     findings->groups = groups;
     findings->exactGroups = result.exactGroups.inOrder();
-    findings->skipped = skipped;
+    findings->skipped = std::move(skipped);
     findings->areContentsProven = !(profile.advancedMatch && profile.crcHash);
 }
 
@@ -281,3 +281,5 @@ bool FileFinderEngine::whileReading()
         ? !stopRequested
         : letEventsIn();
 }
+
+#include "moc_FileFinderEngine.cpp"

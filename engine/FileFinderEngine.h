@@ -99,7 +99,7 @@ private:
     void runScan();
     FolderWalk::Events walkEvents();
     Grouping::Events groupingEvents();
-    void publish(const QList<QStringList> &groups) const;
+    void publish(const QList<QStringList> &groups);
     QList<QStringList> groupsOfSeveral() const;
     void resetCounters();
     bool letEventsIn();
