@@ -83,6 +83,7 @@ void FileFinderEngine::stopFinder()
 void FileFinderEngine::runScan()
 {
     resetCounters();
+    linkEntries = FolderWalk::LinkEntries();
     files = Grouping::Files();
     result = Grouping::Result();
     skipped.clear();
@@ -130,7 +131,8 @@ QFileInfoList FileFinderEngine::getFiles(const QStringList &includeMasks,
                     excludeMasks,
                     Configuration::instance()->scanProfile,
                     Configuration::instance()->walkOptions,
-                    walkEvents());
+                    walkEvents(),
+                    &linkEntries);
     const QStringList names = walk.walk(folder);
     QFileInfoList found;
     const QDir dir(folder);

@@ -111,6 +111,7 @@ private:
     bool isScanning = false;
     bool isRestartRequested = false;
     QElapsedTimer lastEventPass;
+    FolderWalk::LinkEntries linkEntries;
     Grouping::Files files;
     Grouping::Result result;
     QVector<SkippedPath> skipped;

@@ -59,12 +59,14 @@ FolderWalk::FolderWalk(const QStringList &includeMasks,
                        const QStringList &excludeMasks,
                        const ScanProfile &scanProfile,
                        const WalkOptions &walkOptions,
-                       Events walkEvents)
+                       Events walkEvents,
+                       LinkEntries *scanLinkEntries)
     : masks(includeMasks)
     , excluded(excludeMasks)
     , profile(scanProfile)
     , options(walkOptions)
     , events(std::move(walkEvents))
+    , linkEntries(scanLinkEntries)
 {
 }
 
@@ -197,11 +199,11 @@ bool FolderWalk::mayEnter(const QString &path, const FolderListing::Folder &fold
     if (isBeingWalked(canonical)) {
         return false;
     }
-    if (entriesByLink[canonical]++ < maxEntriesByLink) {
+    if (linkEntries->byFolder[canonical]++ < maxEntriesByLink) {
         return true;
     }
-    if (!isBoundReported) {
-        isBoundReported = true;
+    if (!linkEntries->isBoundReported) {
+        linkEntries->isBoundReported = true;
         qDebug().noquote() << QStringLiteral("Too many links lead to the folder:") << canonical;
     }
     return false;
