@@ -6,6 +6,9 @@ namespace
 std::atomic<int> fixedCount = {0};
 }
 
+std::atomic<int> Background::tasksAtWork = {0};
+std::atomic<bool> Background::isWithoutThreads = {false};
+
 QThreadPool *Background::pool()
 {
     static auto *const threads = new QThreadPool;

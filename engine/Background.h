@@ -30,6 +30,10 @@ QThreadPool *pool();
 void setThreadCount(int count);
 /** For tests: every following setThreadCount() sets this; 0 takes it back. */
 void fixThreadCount(int count);
+/** Tasks that are at work. A task counts itself while it is. */
+extern std::atomic<int> tasksAtWork;
+/** No thread took a task for long; until one does. */
+extern std::atomic<bool> isWithoutThreads;
 /** False if a task was still at work after so long. */
 bool waitForDone(int milliseconds);
 } // namespace Background
@@ -38,7 +42,8 @@ bool waitForDone(int milliseconds);
  * What a function tells that runs on another thread, in the order in which it tells.
  *
  * When it is destroyed before the function has ended, the function is told not to go on, and what it
- * tells is thrown away. The function must own all that it uses. To be used on one thread.
+ * tells is thrown away. The function must own all that it uses. Where the system gives no thread, it
+ * runs on the one that waits for it. To be used on one thread.
  */
 template<typename Result>
 class Pending final
@@ -55,9 +60,9 @@ public:
 
     /** Of those that wait for a thread, the one of the highest priority runs first. */
     explicit Pending(Function function, int priority = 0)
-        : state(std::make_shared<State>())
+        : state(std::make_shared<State>(std::move(function)))
     {
-        Background::pool()->start(new Task(state, std::move(function)), priority);
+        Background::pool()->start(new Task(state), priority);
     }
     Pending(Pending &&other) noexcept = default;
     Pending &operator=(Pending &&other) noexcept = default;
@@ -75,7 +80,7 @@ public:
     Outcome take(std::vector<Result> *results, const GoOn &goOn)
     {
         std::unique_lock<std::mutex> lock(state->mutex);
-        while (state->results.empty() && !state->isDone) {
+        for (int questions = 0; state->results.empty() && !state->isDone; ++questions) {
             // Woken at the end alone: to be woken for each result may cost more than the result.
             state->done.wait_for(lock, std::chrono::milliseconds(millisecondsBetweenQuestions));
             if (!state->results.empty() || state->isDone) {
@@ -84,6 +89,12 @@ public:
             lock.unlock();
             if (!goOn()) {
                 return Outcome::Denied;
+            }
+            if (Background::tasksAtWork > 0) {
+                questions = 0;
+            } else if (questions >= maxQuestionsToNobody || Background::isWithoutThreads) {
+                Background::isWithoutThreads = true;
+                state->run(goOn);
             }
             lock.lock();
         }
@@ -94,48 +105,66 @@ public:
 
 private:
     static constexpr int millisecondsBetweenQuestions = 5;
+    // While no task is at work: whoever is there had the time to take one.
+    static constexpr int maxQuestionsToNobody = 40;
 
     struct State {
+        explicit State(Function taskFunction)
+            : function(std::move(taskFunction))
+        {
+        }
+
+        // Whoever comes first.
+        void run(const GoOn &goOn)
+        {
+            if (hasBegun.exchange(true)) {
+                return;
+            }
+            function(
+                [this](Result &&result) {
+                    const std::lock_guard<std::mutex> lock(mutex);
+                    results.push_back(std::move(result));
+                },
+                goOn);
+            // What the function owns is released here, not by whoever waits.
+            function = nullptr;
+            const std::lock_guard<std::mutex> lock(mutex);
+            isDone = true;
+            done.notify_one();
+        }
+
         std::mutex mutex;
         std::condition_variable done;
         bool isDone = false;
         std::vector<Result> results;
         std::atomic<bool> isGivenUp = {false};
+        std::atomic<bool> hasBegun = {false};
+        Function function;
     };
 
     class Task final : public QRunnable
     {
     public:
-        Task(std::shared_ptr<State> taskState, Function taskFunction)
+        explicit Task(std::shared_ptr<State> taskState)
             : state(std::move(taskState))
-            , function(std::move(taskFunction))
         {
         }
 
         void run() override
         {
+            ++Background::tasksAtWork;
+            Background::isWithoutThreads = false;
             const auto goOn = [this] {
                 return !state->isGivenUp;
             };
-            if (!goOn()) {
-                return;
+            if (goOn()) {
+                state->run(goOn);
             }
-            function(
-                [this](Result &&result) {
-                    const std::lock_guard<std::mutex> lock(state->mutex);
-                    state->results.push_back(std::move(result));
-                },
-                goOn);
-            // What the function owns is released here, not by whoever waits.
-            function = nullptr;
-            const std::lock_guard<std::mutex> lock(state->mutex);
-            state->isDone = true;
-            state->done.notify_one();
+            --Background::tasksAtWork;
         }
 
     private:
         std::shared_ptr<State> state;
-        Function function;
     };
 
     std::shared_ptr<State> state;
