@@ -71,14 +71,18 @@ bool FolderArguments::reduce(const QStringList &names,
                              QString *error)
 {
     QStringList all;
+    // Null where it has been removed; an absolute path made of that would name another place.
+    const QString current = QDir::currentPath();
     for (const QString &name : names) {
         // Absolute before it is looked at: the toolkit takes ":/" for what is compiled into it.
         const bool isRelative = !name.isEmpty() && !name.startsWith(QLatin1Char('/'));
-        const QString path = isRelative ? QDir::currentPath() + QLatin1Char('/') + name : name;
+        const QString path = isRelative ? current + QLatin1Char('/') + name : name;
         const QFileInfo info(path);
-        if (!info.isDir()) {
-            *error = info.exists() ? QStringLiteral("\"%1\" is not a folder").arg(name)
-                                   : QStringLiteral("\"%1\" does not exist").arg(name);
+        const bool isNowhere = isRelative && current.isEmpty();
+        if (isNowhere || !info.isDir()) {
+            *error = !isNowhere && info.exists()
+                ? QStringLiteral("\"%1\" is not a folder").arg(name)
+                : QStringLiteral("\"%1\" does not exist").arg(name);
             return false;
         }
         all.append(QDir::cleanPath(path));

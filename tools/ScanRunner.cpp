@@ -51,10 +51,14 @@ ScanRunner::~ScanRunner()
     thread.wait();
 }
 
-void ScanRunner::start()
+bool ScanRunner::start()
 {
+    if (!thread.isRunning()) {
+        return false;
+    }
     timer.start();
     QMetaObject::invokeMethod(engine, "startFinder", Qt::QueuedConnection);
+    return true;
 }
 
 void ScanRunner::stop()

@@ -29,8 +29,11 @@ public:
     ScanRunner(const ScanArguments &arguments, QObject *parent);
     ~ScanRunner() override;
 
-    /** Returns at once; finished() follows when the event loop runs. */
-    void start();
+    /**
+     * Returns at once; finished() follows when the event loop runs. False when the system gives no
+     * thread to scan on.
+     */
+    bool start();
     /**
      * Ends the scan as the window does; finished() follows with what has been found. Where that is
      * being proven, what has been proven.

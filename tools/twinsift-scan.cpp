@@ -29,7 +29,7 @@ namespace
 // A scan that a signal has stopped ends with this and the number of the signal.
 constexpr int signalStatus = 128;
 
-enum Status { Done = 0, CannotWrite = 1, CannotRead = 1, BadArguments = 2 };
+enum Status { Done = 0, CannotWrite = 1, CannotRead = 1, CannotStart = 1, BadArguments = 2 };
 
 // A channel that is closed would be taken by the first file that is opened, and the list or a message
 // be written into that. What stands in for it cannot be written or read, as if it were closed still.
@@ -173,7 +173,11 @@ int scan(const ScanArguments &arguments)
         progress.reset();
         QCoreApplication::exit(finishScan(runner.report(), arguments, isShown));
     });
-    runner.start();
+    if (!runner.start()) {
+        progress.reset();
+        complain(QStringLiteral("the system gives no thread to search on"));
+        return CannotStart;
+    }
     return QCoreApplication::exec();
 }
 } // namespace

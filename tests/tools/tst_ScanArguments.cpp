@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 
 #include <limits>
 #include <memory>
@@ -31,6 +32,7 @@ private slots:
     void refused();
     void namesOfTheToolkitsResources_data();
     void namesOfTheToolkitsResources();
+    void removedCurrentFolder();
     void helpAndVersion();
 
 private:
@@ -381,6 +383,24 @@ void tst_ScanArguments::namesOfTheToolkitsResources()
     const ScanArguments result = parse({name});
     QCOMPARE(result.action, ScanArguments::Action::Scan);
     QCOMPARE(result.folders, QStringList(QDir::cleanPath(tree->root() + QLatin1Char('/') + name)));
+}
+
+void tst_ScanArguments::removedCurrentFolder()
+{
+    // Relative names lead nowhere, and not to the top of the file system.
+    const QString before = QDir::currentPath();
+    const auto goBack = qScopeGuard([&] { QDir::setCurrent(before); });
+    QVERIFY(QDir::setCurrent(tree->folder(QStringLiteral("gone"))));
+    QVERIFY(QDir(tree->root()).rmdir(QStringLiteral("gone")));
+    for (const char *name : {".", "tmp", "/"}) {
+        const ScanArguments arguments = parse({QLatin1String(name)});
+        if (name[0] == '/') {
+            QCOMPARE(arguments.folders, QStringList(QStringLiteral("/")));
+        } else {
+            QCOMPARE(arguments.error,
+                     QStringLiteral("\"%1\" does not exist").arg(QLatin1String(name)));
+        }
+    }
 }
 
 void tst_ScanArguments::helpAndVersion()

@@ -39,6 +39,8 @@ private slots:
     void closedChannels();
     void unreadable_data();
     void unreadable();
+    void withoutThreads_data();
+    void withoutThreads();
     void slowReader();
 
 private:
@@ -421,6 +423,53 @@ void tst_TwinsiftScan::unreadable()
     const QByteArray lines = "twinsift-scan: " + locked + ": Permission denied\ntwinsift-scan: "
         + QByteArray(a).replace('\n', "\\012") + ": Permission denied\n";
     QCOMPARE(result.error, isNamed ? lines : QByteArray());
+}
+
+void tst_TwinsiftScan::withoutThreads_data()
+{
+    QTest::addColumn<QString>("processes");
+    QTest::addColumn<int>("status");
+    QTest::newRow("none to scan on") << "1" << 1;
+    QTest::newRow("none to read ahead") << "2" << 0;
+}
+
+void tst_TwinsiftScan::withoutThreads()
+{
+    // Where the system gives no thread a scan is slower, or says so.
+    QFETCH(QString, processes);
+    QFETCH(int, status);
+    for (int i = 0; i < 100; ++i) {
+        tree->file(QStringLiteral("sub%1/file").arg(i % 10) + QString::number(i), "same");
+    }
+    QStringList command = {QStringLiteral("prlimit"),
+                           QStringLiteral("--nproc=%1").arg(processes),
+                           QStringLiteral(TWINSIFT_SCAN),
+                           tree->root()};
+    if (::geteuid() == 0) {
+        // No limit holds for the administrator, and an ordinary user may run other programs.
+        command = QStringList({QStringLiteral("setpriv"),
+                               QStringLiteral("--reuid=54321"),
+                               QStringLiteral("--clear-groups")})
+            + command;
+        // The user must get at the tree.
+        for (QDir dir(tree->root()); dir.path() != QDir::tempPath(); dir.cdUp()) {
+            QVERIFY(::chmod(qPrintable(dir.path()), 0755) == 0);
+        }
+    } else if (status == 0) {
+        QSKIP("only the administrator can run it as a user without other programs");
+    }
+    QProcess process;
+    process.start(command.first(), command.mid(1));
+    QVERIFY(process.waitForFinished(60000));
+    const QByteArray errors = process.readAllStandardError();
+    if (process.exitCode() > 1) {
+        QSKIP(qPrintable(QStringLiteral("cannot be limited here: ")
+                         + QString::fromLocal8Bit(errors)));
+    }
+    QCOMPARE(process.exitCode(), status);
+    QCOMPARE(process.readAllStandardOutput().count("/file"), status == 0 ? 100 : 0);
+    QCOMPARE(errors.contains("twinsift-scan: the system gives no thread to search on"),
+             status == 1);
 }
 
 void tst_TwinsiftScan::slowReader()
