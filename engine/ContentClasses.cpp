@@ -227,14 +227,22 @@ bool ContentClasses::compareOpen(OpenFiles part, qint64 done)
             }
         }
     }
-    if (part.size() > 1) {
-        Part equal;
-        for (const OpenFile &file : part) {
+    Part equal;
+    for (OpenFile &file : part) {
+        if (part.size() > 1 && (done <= headBytes || hasEnded(file.index, done, &file.head.file))) {
             equal.push_back(file.index);
         }
+    }
+    if (equal.size() > 1) {
         join(equal);
     }
     return true;
+}
+
+// False for one that goes on behind its announced end.
+bool ContentClasses::hasEnded(int index, qint64 place, RegularFile *file)
+{
+    return place < at(index).size || limit >= 0 || file->isAtEnd();
 }
 
 // Files that fail or have become shorter leave the part.
@@ -488,6 +496,6 @@ bool ContentClasses::readBytes(int index,
         }
         rest -= wanted;
     }
-    *isRead = true;
+    *isRead = hasEnded(index, from + bytes, &file);
     return true;
 }

@@ -74,6 +74,7 @@ private:
     void fail(int index, const QString &error);
     void join(const Part &part);
     char *blocksFor(std::size_t bytes);
+    bool hasEnded(int index, qint64 place, RegularFile *file);
 
     bool sortFew(const Heads &heads);
     bool sortFew(const Part &part);

@@ -75,7 +75,7 @@ quint32 Crc32::calculate(RegularFile *file, const GoOn &goOn, bool *isWhole) con
         crc = advance(crc, buffer.get(), bytes);
         rest -= bytes;
     }
-    *isWhole = file->size() > 0 || file->read(buffer.get(), bufferBytes) == 0;
+    *isWhole = file->isAtEnd();
     return crc ^ startValue;
 }
 

@@ -29,8 +29,8 @@ public:
 
     /**
      * Of an open file, from its place on, as many bytes as it had when it was opened. Zero when they
-     * could not be read, or the work was ended; only otherwise they were the whole file. A file of
-     * no bytes that has some to read is not whole.
+     * could not be read, or the work was ended; only otherwise they were the whole file. A file
+     * that has more to read than it announces is not whole.
      */
     quint32 calculate(RegularFile *file, const GoOn &goOn, bool *isWhole) const;
 

@@ -13,10 +13,11 @@ FileHead FileHead::read(const QString &path, qint64 bytes, bool staysOpen)
     }
     head.size = file.size();
     head.modified = file.modified();
-    // One byte is asked for of a file that announces none.
     const qint64 wanted = std::min(head.size, bytes);
-    head.bytes.resize(static_cast<int>(std::max(wanted, qint64(1))));
-    const qint64 done = file.read(head.bytes.data(), head.size == 0 ? 1 : wanted);
+    // One byte more is asked for of a file that ends there, as some file systems announce too few.
+    const qint64 asked = wanted < head.size ? wanted : wanted + 1;
+    head.bytes.resize(static_cast<int>(asked));
+    const qint64 done = file.read(head.bytes.data(), std::max(wanted, qint64(1)), asked);
     if (done < 0) {
         head.error = file.errorString();
         return head;

@@ -30,6 +30,10 @@ public:
     qint64 modified() const;
     /** Bytes read, fewer than asked for only at the end; -1 when reading failed. */
     qint64 read(char *data, qint64 maxBytes);
+    /** The same, and asks for no more once it has enough: one call reads all of a short file. */
+    qint64 read(char *data, qint64 enoughBytes, qint64 maxBytes);
+    /** Whether there is nothing left to read; reads the next byte. Also when that fails. */
+    bool isAtEnd();
     /** Goes on at another place, that many bytes from the start. */
     bool skip(qint64 toOffset);
     /** Why open(), skip() or read() failed, as the system words it. */

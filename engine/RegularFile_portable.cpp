@@ -54,8 +54,13 @@ qint64 RegularFile::modified() const
 
 qint64 RegularFile::read(char *data, qint64 maxBytes)
 {
+    return read(data, maxBytes, maxBytes);
+}
+
+qint64 RegularFile::read(char *data, qint64 enoughBytes, qint64 maxBytes)
+{
     qint64 done = 0;
-    while (done < maxBytes) {
+    while (done < enoughBytes) {
         const qint64 bytes = handle->file.read(data + done, maxBytes - done);
         if (bytes < 0) {
             handle->error = handle->file.errorString();
@@ -68,6 +73,12 @@ qint64 RegularFile::read(char *data, qint64 maxBytes)
     }
     ScanProgress::instance()->bytesRead += done;
     return done;
+}
+
+bool RegularFile::isAtEnd()
+{
+    char byte = 0;
+    return read(&byte, 1) <= 0;
 }
 
 bool RegularFile::skip(qint64 toOffset)

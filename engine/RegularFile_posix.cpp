@@ -84,8 +84,13 @@ qint64 RegularFile::modified() const
 
 qint64 RegularFile::read(char *data, qint64 maxBytes)
 {
+    return read(data, maxBytes, maxBytes);
+}
+
+qint64 RegularFile::read(char *data, qint64 enoughBytes, qint64 maxBytes)
+{
     qint64 done = 0;
-    while (done < maxBytes) {
+    while (done < enoughBytes) {
         const ssize_t bytes =
             ::read(handle->descriptor, data + done, static_cast<std::size_t>(maxBytes - done));
         if (bytes == 0) {
@@ -100,6 +105,12 @@ qint64 RegularFile::read(char *data, qint64 maxBytes)
     }
     ScanProgress::instance()->bytesRead += done;
     return done;
+}
+
+bool RegularFile::isAtEnd()
+{
+    char byte = 0;
+    return read(&byte, 1) <= 0;
 }
 
 bool RegularFile::skip(qint64 toOffset)

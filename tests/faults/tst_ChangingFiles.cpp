@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "engine/Background.h"
+#include "engine/ScanFindings.h"
 #include "tests/faults/FaultShim.h"
 #include "tests/faults/Scan.h"
 #include "tests/support/TempTree.h"
@@ -6,6 +8,8 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
+#include <QSet>
 
 #include <functional>
 
@@ -25,6 +29,8 @@ private slots:
     void changedFileIsNoDuplicate();
     void fileThatWasEmptyIsNoTwinOfAnEmptyOne_data();
     void fileThatWasEmptyIsNoTwinOfAnEmptyOne();
+    void contentBehindTheAnnouncedEnd_data();
+    void contentBehindTheAnnouncedEnd();
 };
 
 namespace
@@ -253,6 +259,50 @@ void tst_ChangingFiles::fileThatWasEmptyIsNoTwinOfAnEmptyOne()
     FaultShim::setHook(nullptr, nullptr);
     QVERIFY(trigger.seen >= trigger.at);
     QCOMPARE(groups, QList<QStringList>());
+}
+
+void tst_ChangingFiles::contentBehindTheAnnouncedEnd_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<int>("bytes");
+    QTest::addColumn<int>("count");
+    for (const int count : {3, 70}) {
+        for (const int bytes : {0, 100, 4096, 4097, wholeBytes}) {
+            QTest::addRow("byte by byte, %d files of %d", count, bytes)
+                << int(Scan::ByteByByte) << bytes << count;
+            QTest::addRow("CRC, %d files of %d", count, bytes) << int(Scan::Crc) << bytes << count;
+        }
+    }
+}
+
+void tst_ChangingFiles::contentBehindTheAnnouncedEnd()
+{
+    // What a file has behind the size that it announced may differ, though all before is equal.
+    QFETCH(int, mode);
+    QFETCH(int, bytes);
+    QFETCH(int, count);
+    const TempTree tree(path(QStringLiteral("tree")));
+    for (int i = 0; i < count; ++i) {
+        tree.file(QStringLiteral("%1.bin").arg(i), content(bytes));
+    }
+    // While the shim is in its hook on one thread it calls it on no other.
+    Background::fixThreadCount(1);
+    const auto freeThreads = qScopeGuard([] { Background::fixThreadCount(0); });
+    QSet<QByteArray> grown;
+    FaultShim::watch(QFile::encodeName(tree.root()).constData());
+    FaultShim::setHook(
+        [](FaultShim::Kind kind, const char *file, long, void *context) {
+            auto *const known = static_cast<QSet<QByteArray> *>(context);
+            if (kind == FaultShim::Read && !known->contains(file)) {
+                known->insert(file);
+                grow(file);
+            }
+        },
+        &grown);
+    Scan::run({tree.root()}, Scan::profile(static_cast<Scan::Mode>(mode)));
+    FaultShim::setHook(nullptr, nullptr);
+    QCOMPARE(grown.size(), count);
+    QCOMPARE(ScanFindings::instance()->exactGroups.size(), 0);
 }
 
 TWINSIFT_TEST_MAIN(tst_ChangingFiles)
