@@ -2,6 +2,7 @@
 #include "ui/results/FilepathDelegate.h"
 
 #include "ui/results/DuplicatedFilesTableModel.h"
+#include "ui/results/PathText.h"
 #include "ui/results/PictureTip.h"
 #include "ui/results/ToolTipText.h"
 
@@ -52,10 +53,18 @@ bool FilepathDelegate::helpEvent(QHelpEvent *event,
     if (index.data(Qt::ToolTipRole).toString() == path
         || !PictureTip::showFile(path, event->globalPos(), view->viewport(), cell)) {
         PictureTip::hideTip();
-        QToolTip::showText(event->globalPos(), ToolTipText::ofPath(path), view, cell);
+        QToolTip::showText(event->globalPos(),
+                           ToolTipText::ofPath(PathText::shown(path)),
+                           view,
+                           cell);
     }
     event->accept();
     return true;
+}
+
+QString FilepathDelegate::displayText(const QVariant &value, const QLocale &locale) const
+{
+    return PathText::shown(QStyledItemDelegate::displayText(value, locale));
 }
 
 void FilepathDelegate::initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const

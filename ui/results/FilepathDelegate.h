@@ -23,6 +23,8 @@ public:
                    QAbstractItemView *view,
                    const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
+    /** See PathText. */
+    QString displayText(const QVariant &value, const QLocale &locale) const override;
 
 protected:
     /** A path reads from its slash, also where the language reads from the right. */

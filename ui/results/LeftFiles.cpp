@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/results/LeftFiles.h"
 
+#include "ui/results/PathText.h"
+
 #include <numeric>
 
 namespace
@@ -27,7 +29,7 @@ void LeftFiles::add(const QString &path, DeletionPlan::Verdict verdict)
         return;
     }
     ++counts[verdict];
-    lines += path % QStringLiteral(": ") % reason % QLatin1Char('\n');
+    lines += PathText::shown(path) % QStringLiteral(": ") % reason % QLatin1Char('\n');
 }
 
 QString LeftFiles::summary() const

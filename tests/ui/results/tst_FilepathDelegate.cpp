@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QStringListModel>
 #include <QTableView>
+#include <QTextLayout>
 #include <QToolTip>
 
 namespace
@@ -43,6 +44,10 @@ private slots:
     void leavesOtherModelsToTheToolkit();
     void showsThePathAsItReads();
     void readsFromTheSlash();
+    void namesOfAllDirections_data();
+    void namesOfAllDirections();
+    void namesThatTurnTheirDirection_data();
+    void namesThatTurnTheirDirection();
 };
 
 void tst_FilepathDelegate::sizesAColumnWithoutDecoding()
@@ -143,6 +148,65 @@ void tst_FilepathDelegate::readsFromTheSlash()
     };
     QVERIFY(picture(Qt::LeftToRight) != QImage(300, 30, QImage::Format_RGB32));
     QCOMPARE(picture(Qt::RightToLeft), picture(Qt::LeftToRight));
+}
+
+void tst_FilepathDelegate::namesOfAllDirections_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("Latin") << QStringLiteral("/one/two/three");
+    QTest::newRow("Hebrew") << QString::fromUtf8("/\u05D0\u05D1/\u05D2\u05D3/\u05D4.jpg");
+    QTest::newRow("Arabic between Latin") << QString::fromUtf8("/home/\u0627\u0628/\u062A/x.png");
+    QTest::newRow("Hebrew and numbers") << QString::fromUtf8("/\u05D0/2024/11/\u05D1");
+}
+
+void tst_FilepathDelegate::namesOfAllDirections()
+{
+    // Each folder stands to the right of the one that holds it.
+    QFETCH(QString, path);
+    const FilepathDelegate delegate(nullptr);
+    const QString text = delegate.displayText(path, QLocale());
+    QTextLayout layout(text);
+    QTextOption option;
+    option.setTextDirection(Qt::LeftToRight);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    layout.endLayout();
+    qreal right = 0; // of the folder before
+    int begin = 1;
+    for (const QString &name : path.mid(1).split(QLatin1Char('/'))) {
+        begin = text.indexOf(name, begin);
+        QVERIFY(begin > 0);
+        qreal rightmost = right;
+        for (int i = begin; i < begin + name.size(); ++i) {
+            const qreal x = line.cursorToX(i);
+            QVERIFY2(x > right, qPrintable(name));
+            rightmost = qMax(rightmost, x);
+        }
+        right = rightmost;
+    }
+}
+
+void tst_FilepathDelegate::namesThatTurnTheirDirection_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("plain") << QStringLiteral("/a/b.txt") << QStringLiteral("/a/b.txt");
+    QTest::newRow("accents") << QString::fromUtf8("/\u00E4/b.txt")
+                             << QString::fromUtf8("/\u00E4/b.txt");
+    for (const int code : {0x061C, 0x200E, 0x200F, 0x202A, 0x202E, 0x2066, 0x2069}) {
+        QTest::addRow("%x", code) << QStringLiteral("holiday%1gpj.exe").arg(QChar(code))
+                                  << QString::fromUtf8("holiday\uFFFDgpj.exe");
+    }
+}
+
+void tst_FilepathDelegate::namesThatTurnTheirDirection()
+{
+    // A program must not read as a picture. What the model answers is the path itself.
+    QFETCH(QString, path);
+    QFETCH(QString, shown);
+    const FilepathDelegate delegate(nullptr);
+    QCOMPARE(delegate.displayText(path, QLocale()), shown);
 }
 
 TWINSIFT_TEST_MAIN(tst_FilepathDelegate)
