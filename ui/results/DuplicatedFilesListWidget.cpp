@@ -437,7 +437,7 @@ LeftFiles DuplicatedFilesListWidget::moveTickedFiles()
         if (!(isSeen || decision.verdict == Verdict::Take)
             || !moveFileToTrash(path, isSeen ? &decision.seen : nullptr)) {
             qDebug().noquote() << QStringLiteral("Cannot remove file:") << path;
-            left.add(path, decision.verdict);
+            left.add(path, FileState::of(path).exists ? decision.verdict : Verdict::Missing);
         }
         screen.showProgress();
     }

@@ -16,9 +16,13 @@ QString reasonOf(DeletionPlan::Verdict verdict)
         return QStringLiteral("changed since the scan");
     case DeletionPlan::Verdict::SameFile:
         return QStringLiteral("the same file under another name");
-    default:
-        return {};
+    case DeletionPlan::Verdict::Take:
+    case DeletionPlan::Verdict::TakeWhatWasSeen:
+        return QStringLiteral("could not be moved to the trash");
+    case DeletionPlan::Verdict::Missing:
+        break;
     }
+    return {};
 }
 } // namespace
 
@@ -28,7 +32,8 @@ void LeftFiles::add(const QString &path, DeletionPlan::Verdict verdict)
     if (reason.isEmpty()) {
         return;
     }
-    ++counts[verdict];
+    ++counts[verdict == DeletionPlan::Verdict::Take ? DeletionPlan::Verdict::TakeWhatWasSeen
+                                                    : verdict];
     lines += PathText::shown(path) % QStringLiteral(": ") % reason % QLatin1Char('\n');
 }
 

@@ -10,7 +10,7 @@
 class LeftFiles final
 {
 public:
-    /** A verdict by which the file does not stay is not noted. */
+    /** One that may be taken could not be. A file that is missing is none that was left. */
     void add(const QString &path, DeletionPlan::Verdict verdict);
     /** How many files were left, and how many for which reason; empty if there are none. */
     QString summary() const;

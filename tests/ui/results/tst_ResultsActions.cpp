@@ -170,7 +170,8 @@ void tst_ResultsActions::movesTheTickedFilesToTheTrash()
 
 void tst_ResultsActions::aFileThatCannotBeMovedDoesNotStopTheRest()
 {
-    // What has gone and what may not be moved is logged; the rest moves, and all is called complete.
+    // What has gone and what may not be moved is logged, the rest moves, and all is called complete;
+    // the box names what is still there.
     const TempTree tree(path(QString()));
     ResultsPage results;
     const QString gone = tree.path(QStringLiteral("gone"));
@@ -182,7 +183,9 @@ void tst_ResultsActions::aFileThatCannotBeMovedDoesNotStopTheRest()
     expectMessage(QtDebugMsg, QStringLiteral("Cannot remove file: ") + closed);
     expectMessage(QtDebugMsg, QStringLiteral("Cannot remove file: ") + gone);
     results.expectDeletion(3, QMessageBox::Yes);
-    results.expectComplete();
+    results.expectComplete(QStringLiteral("1 file was left where it is.\n"
+                                          "could not be moved to the trash: 1"),
+                           closed + QStringLiteral(": could not be moved to the trash\n"));
     const RestrictedRights rights;
     results.press(QStringLiteral("Delete Selected Files"));
     QCOMPARE(results.boxes.failures(), QStringList());
