@@ -44,7 +44,13 @@ DeletionPlan::Decision DeletionPlan::decide(const QString &path)
     if (!isAsScanned(file, memberOf(tick->set, tick->member))) {
         return {Verdict::Changed, {}};
     }
-    return {verdictByCopies(path, *tick, file), file};
+    const Verdict verdict = verdictByCopies(path, *tick, file);
+    // To compare contents may take long.
+    if (verdict == Verdict::TakeWhatWasSeen && !findings.areContentsProven
+        && !senses.look(path).isSameFileAs(file)) {
+        return {Verdict::Changed, {}};
+    }
+    return {verdict, file};
 }
 
 bool DeletionPlan::isLastOfItsContent(const QString &path) const

@@ -188,6 +188,7 @@ private slots:
     void takesAndLeaves();
     void knowsNothingOfOtherRows();
     void tellsWhatWasSeen();
+    void looksAgainAfterAComparison();
     void losesNothing_data();
     void losesNothing();
     void looksAtTwoFiles_data();
@@ -484,6 +485,24 @@ void tst_DeletionPlan::tellsWhatWasSeen()
     const FileState seen = plan.decide(QStringLiteral("A1")).seen;
     QVERIFY(seen.isSameFileAs(disk.files.value(QStringLiteral("A1"))));
     QVERIFY(!seen.isSameFileAs(disk.files.value(QStringLiteral("A2"))));
+}
+
+void tst_DeletionPlan::looksAgainAfterAComparison()
+{
+    // A file that is written to while it is compared stays.
+    Disk disk;
+    disk.add(QStringLiteral("A1"));
+    disk.add(QStringLiteral("A2"));
+    const QList<QStringList> groups = lists("A1 A2");
+    ScanFindings findings = findingsOf(groups, groups);
+    findings.areContentsProven = false;
+    DeletionPlan::Senses senses = sensesOf(disk);
+    senses.haveSameBytes = [&disk](const QString &a, const QString &) {
+        ++disk.files[a].modified;
+        return true;
+    };
+    DeletionPlan plan(groups, ticksOfAScan(groups), findings, senses);
+    QCOMPARE(plan.decide(QStringLiteral("A1")).verdict, Verdict::Changed);
 }
 
 void tst_DeletionPlan::losesNothing_data()
