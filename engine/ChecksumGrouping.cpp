@@ -131,6 +131,7 @@ void ChecksumGrouping::keepExactGroups(const QVector<ReadFile> &readFiles)
         for (int i = chain.first; i >= 0; i = next.at(i)) {
             group.append({files.paths.at(i), readFiles.at(i).size, readFiles.at(i).modified});
         }
-        result->exactGroups.add(chain.first, group);
+        // What was read before a stop is complete.
+        result->exactGroups.add(chain.first, group, files.mayRepeat, [] { return true; });
     }
 }
