@@ -324,6 +324,9 @@ bool ContentClasses::sortByHeads(const Part &part, const KeptHeads &kept)
     if (part.size() < 2) {
         return true;
     }
+    if (!goOn()) {
+        return false;
+    }
     const qint64 bytes = std::min(lengthOf(part.front()), headBytes);
     if (!kept.areKept(bytes)) {
         return refine(part, bytes);
