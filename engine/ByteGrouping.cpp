@@ -214,7 +214,7 @@ bool ByteGrouping::keepExactGroups(const Bucket &bucket, const ContentClasses &c
 {
     const auto scanned = [&](int index) -> ScannedFile {
         const ContentClasses::File &file = classes.files()[static_cast<std::size_t>(index)];
-        return {bucket.paths.at(index), file.size, file.modified};
+        return {bucket.paths.at(index), file.size, file.modified, file.changed};
     };
     QHash<int, QVector<ScannedFile>> groups;
     for (int i = 0; i < bucket.paths.size(); ++i) {

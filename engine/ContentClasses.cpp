@@ -118,6 +118,7 @@ bool ContentClasses::note(int index, const FileHead &head)
     file.error = head.error;
     file.size = head.size;
     file.modified = head.modified;
+    file.changed = head.changed;
     return head.outcome == FileHead::Outcome::Read && limit <= head.size;
 }
 

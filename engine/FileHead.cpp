@@ -13,6 +13,7 @@ FileHead FileHead::read(const QString &path, qint64 bytes, bool staysOpen)
     }
     head.size = file.size();
     head.modified = file.modified();
+    head.changed = file.changed();
     // One byte is asked for of a file that announces none.
     const qint64 wanted = std::min(head.size, bytes);
     head.bytes.resize(static_cast<int>(std::max(wanted, qint64(1))));

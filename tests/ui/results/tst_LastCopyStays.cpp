@@ -308,6 +308,7 @@ void tst_LastCopyStays::staysWhereTheKeptFileIsNone_data()
     for (const char *kind : {"removed",
                              "cut short",
                              "written anew in its old size",
+                             "written anew in its old size and time",
                              "a link to the ticked one",
                              "a folder",
                              "a FIFO"}) {
@@ -332,6 +333,9 @@ void tst_LastCopyStays::staysWhereTheKeptFileIsNone()
         QCOMPARE(::utime(QFile::encodeName(kept).constData(), &longAgo), 0);
     } else if (kind == QStringLiteral("written anew in its old size")) {
         tree.file(QStringLiteral("kept"), "CONTENT");
+    } else if (kind == QStringLiteral("written anew in its old size and time")) {
+        tree.file(QStringLiteral("kept"), "CONTENT");
+        QCOMPARE(::utime(QFile::encodeName(kept).constData(), &longAgo), 0);
     } else if (kind == QStringLiteral("a link to the ticked one")) {
         tree.link(QStringLiteral("kept"), file);
     } else if (kind == QStringLiteral("a folder")) {
