@@ -43,7 +43,7 @@ ScannedFile scannedFile(const QString &path)
 {
     struct stat status = {};
     ::lstat(QFile::encodeName(path).constData(), &status);
-    return {path, status.st_size, FileTime::modified(status)};
+    return {path, status.st_size, FileTime::modified(status), FileTime::changed(status)};
 }
 
 // Groups of that many files each, spread over folders.

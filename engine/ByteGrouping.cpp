@@ -184,7 +184,9 @@ bool ByteGrouping::confirm(const Bucket &bucket)
         return false;
     }
     tellSkipped(bucket, classes);
-    keepExactGroups(bucket, classes);
+    if (!keepExactGroups(bucket, classes)) {
+        return false;
+    }
     if (areAllDifferent(classes.files())) {
         return events.goOn();
     }
@@ -195,8 +197,11 @@ bool ByteGrouping::confirm(const Bucket &bucket)
     Placement placement = {&bucket,
                            &classes.files(),
                            &pairs,
-                           DuplicateGroup(bucket.paths, result->groups.value(bucket.key)),
+                           DuplicateGroup(bucket.paths, files.mayRepeat, events.goOn),
                            std::vector<bool>(classes.files().size(), false)};
+    if (!placement.group.knowsAllFiles()) {
+        return false;
+    }
     for (int first = 0; first < bucket.paths.size() - 1; ++first) {
         if (!placeRow(&placement, first)) {
             return false;
@@ -205,14 +210,17 @@ bool ByteGrouping::confirm(const Bucket &bucket)
     return true;
 }
 
-void ByteGrouping::keepExactGroups(const Bucket &bucket, const ContentClasses &classes)
+bool ByteGrouping::keepExactGroups(const Bucket &bucket, const ContentClasses &classes)
 {
     const auto scanned = [&](int index) -> ScannedFile {
         const ContentClasses::File &file = classes.files()[static_cast<std::size_t>(index)];
-        return {bucket.paths.at(index), file.size, file.modified};
+        return {bucket.paths.at(index), file.size, file.modified, file.changed};
     };
     QHash<int, QVector<ScannedFile>> groups;
     for (int i = 0; i < bucket.paths.size(); ++i) {
+        if (!events.goOn()) {
+            return false;
+        }
         const int first = classes.files()[static_cast<std::size_t>(i)].first;
         if (first == i) {
             continue;
@@ -224,8 +232,15 @@ void ByteGrouping::keepExactGroups(const Bucket &bucket, const ContentClasses &c
         group.append(scanned(i));
     }
     for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
-        result->exactGroups.add(bucket.files.at(group.key()), *group);
+        if (!events.goOn()
+            || !result->exactGroups.add(bucket.files.at(group.key()),
+                                        *group,
+                                        files.mayRepeat,
+                                        events.goOn)) {
+            return false;
+        }
     }
+    return true;
 }
 
 // Keys of other sizes coincide where names begin with digits. The comparison looks for the end of the

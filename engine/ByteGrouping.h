@@ -43,7 +43,7 @@ private:
     bool confirm(const Bucket &bucket);
     void tellSkipped(const Bucket &bucket, const ContentClasses &classes) const;
     void countCompared(const Bucket &bucket) const;
-    void keepExactGroups(const Bucket &bucket, const ContentClasses &classes);
+    bool keepExactGroups(const Bucket &bucket, const ContentClasses &classes);
     bool addLonger(const Bucket &bucket, const ContentClasses &classes, BucketPairs *pairs);
     bool placeRow(Placement *placement, int first);
     void placePair(Placement *placement, int first, int second);

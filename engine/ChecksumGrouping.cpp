@@ -24,6 +24,7 @@ struct ChecksumGrouping::ReadFile {
     QString key; // null if it was not read to its end
     qint64 size;
     qint64 modified;
+    qint64 changed;
     quint64 contentHash;
 
     bool operator==(const ReadFile &other) const
@@ -83,6 +84,7 @@ void ChecksumGrouping::run()
         readFiles.append({checksum.isWhole ? checksum.key : QString(),
                           checksum.size,
                           checksum.modified,
+                          checksum.changed,
                           checksum.contentHash});
         if (!checksum.key.isEmpty()) {
             store(path, checksum);
@@ -129,8 +131,10 @@ void ChecksumGrouping::keepExactGroups(const QVector<ReadFile> &readFiles)
     for (const Grouping::Chain &chain : qAsConst(chains)) {
         QVector<ScannedFile> group;
         for (int i = chain.first; i >= 0; i = next.at(i)) {
-            group.append({files.paths.at(i), readFiles.at(i).size, readFiles.at(i).modified});
+            const ReadFile &file = readFiles.at(i);
+            group.append({files.paths.at(i), file.size, file.modified, file.changed});
         }
-        result->exactGroups.add(chain.first, group);
+        // What was read before a stop is complete.
+        result->exactGroups.add(chain.first, group, files.mayRepeat, [] { return true; });
     }
 }

@@ -118,6 +118,7 @@ bool ContentClasses::note(int index, const FileHead &head)
     file.error = head.error;
     file.size = head.size;
     file.modified = head.modified;
+    file.changed = head.changed;
     return head.outcome == FileHead::Outcome::Read && limit <= head.size;
 }
 
@@ -331,6 +332,9 @@ bool ContentClasses::sortByHeads(const Part &part, const KeptHeads &kept)
 {
     if (part.size() < 2) {
         return true;
+    }
+    if (!goOn()) {
+        return false;
     }
     const qint64 bytes = std::min(lengthOf(part.front()), headBytes);
     if (!kept.areKept(bytes)) {

@@ -30,6 +30,7 @@ public:
         int first = -1;
         qint64 size = 0; // bytes, when the content was read
         qint64 modified = 0; // nanoseconds since 1970 (UTC), when the content was read
+        qint64 changed = 0; // see RegularFile; likewise
         bool isReadable = false;
         QString error; // why it cannot be read
     };

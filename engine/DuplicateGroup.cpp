@@ -3,26 +3,33 @@
 
 #include <QHash>
 
-DuplicateGroup::DuplicateGroup(const QStringList &bucketPaths, const QStringList &groupPaths)
+DuplicateGroup::DuplicateGroup(const QStringList &bucketPaths, bool mayRepeat, const GoOn &goOn)
     : isInGroup(bucketPaths.size(), false)
-    , isOpen(!groupPaths.isEmpty())
 {
     QHash<QString, int> indexes;
-    for (const QString &path : bucketPaths) {
-        const int index = firstIndexes.size();
-        const auto known = indexes.constFind(path);
+    indexes.reserve(mayRepeat ? bucketPaths.size() : 0);
+    for (int index = 0; mayRepeat && index < bucketPaths.size(); ++index) {
+        if (!goOn()) {
+            return;
+        }
+        const auto known = indexes.constFind(bucketPaths.at(index));
         firstIndexes.append(known == indexes.cend() ? index : *known);
         if (known == indexes.cend()) {
-            indexes.insert(path, index);
-            isInGroup[index] = isOpen && groupPaths.contains(path);
+            indexes.insert(bucketPaths.at(index), index);
         }
     }
+    isWhole = true;
+}
+
+int DuplicateGroup::firstIndexOf(int index) const
+{
+    return firstIndexes.isEmpty() ? index : firstIndexes.at(index);
 }
 
 bool DuplicateGroup::add(int first, int second)
 {
-    const int firstIndex = firstIndexes.at(first);
-    const int secondIndex = firstIndexes.at(second);
+    const int firstIndex = firstIndexOf(first);
+    const int secondIndex = firstIndexOf(second);
     if (isInGroup.at(secondIndex) || (!isOpen && firstIndex == secondIndex)) {
         return false;
     }

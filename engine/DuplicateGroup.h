@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "engine/GoOn.h"
+
 #include <QStringList>
 #include <QVector>
 
@@ -12,9 +14,11 @@
 class DuplicateGroup final
 {
 public:
-    /** The group may hold files from before. */
-    DuplicateGroup(const QStringList &bucketPaths, const QStringList &groupPaths);
+    /** An empty group. Looks for paths that occur twice only if any may. */
+    DuplicateGroup(const QStringList &bucketPaths, bool mayRepeat, const GoOn &goOn);
 
+    /** False, and it is of no use, when goOn denied to go through the files. */
+    bool knowsAllFiles() const { return isWhole; }
     bool isEmpty() const { return !isOpen; }
     /**
      * Adds the second file of an equal pair, and the first one as well when the group is empty.
@@ -23,7 +27,10 @@ public:
     bool add(int first, int second);
 
 private:
-    QVector<int> firstIndexes; // of the same path
+    int firstIndexOf(int index) const;
+
+    QVector<int> firstIndexes; // of the same path, by file; empty where none occurs twice
     QVector<bool> isInGroup;
-    bool isOpen;
+    bool isOpen = false;
+    bool isWhole = false;
 };

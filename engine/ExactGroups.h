@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "engine/GoOn.h"
 #include "engine/ScanFindings.h"
 
 #include <QVector>
@@ -11,9 +12,13 @@ class ExactGroups final
 public:
     /**
      * The files in the order in which they were found, the first of them with its number. A path
-     * that was found twice is one file; a single file is no set.
+     * that was found twice, if any may be, is one file; a single file is no set. False, and nothing is
+     * added, when goOn denied to go through the files.
      */
-    void add(int numberOfFirst, const QVector<ScannedFile> &files);
+    bool add(int numberOfFirst,
+             const QVector<ScannedFile> &files,
+             bool mayRepeat,
+             const GoOn &goOn);
     void clear() { groups.clear(); }
     /** By the numbers of their first files. */
     QVector<QVector<ScannedFile>> inOrder() const;
@@ -23,6 +28,10 @@ private:
         int numberOfFirst;
         QVector<ScannedFile> files;
     };
+
+    static bool takeEachOnce(const QVector<ScannedFile> &files,
+                             const GoOn &goOn,
+                             QVector<ScannedFile> *taken);
 
     QVector<Group> groups;
 };

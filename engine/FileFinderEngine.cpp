@@ -20,6 +20,7 @@
 #include <QFile>
 #include <QThread>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -30,6 +31,22 @@ constexpr qint64 maxMillisecondsOfReading = 50;
 bool isLeaving()
 {
     return QThread::currentThread()->isInterruptionRequested();
+}
+
+// One is another one, or lies below it.
+bool doOverlap(const QStringList &folders)
+{
+    QStringList roots;
+    for (const QString &folder : folders) {
+        const QString root = QDir(folder).absolutePath();
+        roots.append(root.endsWith(QLatin1Char('/')) ? root : QString(root + QLatin1Char('/')));
+    }
+    // So that what lies below a folder stands right behind it.
+    std::sort(roots.begin(), roots.end());
+    return std::adjacent_find(roots.cbegin(),
+                              roots.cend(),
+                              [](const QString &a, const QString &b) { return b.startsWith(a); })
+        != roots.cend();
 }
 
 } // namespace
@@ -115,6 +132,7 @@ void FileFinderEngine::startFindAllFiles(const QStringList &includeMasks,
                                          const QStringList &folders)
 {
     emit findAllFilesStarted();
+    files.mayRepeat = !files.paths.isEmpty() || doOverlap(folders);
     Background::setThreadCount(ReaderCount::ofFolders());
     // A stop is not looked at here: each folder left is entered, and its walk ends early.
     for (const QString &folder : folders) {
@@ -146,6 +164,8 @@ FolderWalk::Events FileFinderEngine::walkEvents()
 {
     FolderWalk::Events events;
     events.fileFound = [this](const QString &path, qint64 size) {
+        // A file server may name a file twice in one listing.
+        files.mayRepeat = files.mayRepeat || (!files.paths.isEmpty() && files.paths.last() == path);
         files.paths.append(path);
         files.sizes.append(size);
         ++ScanProgress::instance()->filesFound;

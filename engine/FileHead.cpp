@@ -13,6 +13,7 @@ FileHead FileHead::read(const QString &path, qint64 bytes, bool staysOpen)
     }
     head.size = file.size();
     head.modified = file.modified();
+    head.changed = file.changed();
     const qint64 wanted = std::min(head.size, bytes);
     // One byte more is asked for of a file that ends there, as some file systems announce too few.
     const qint64 asked = wanted < head.size ? wanted : wanted + 1;

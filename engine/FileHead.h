@@ -26,6 +26,7 @@ struct FileHead {
     QString error;
     qint64 size = 0; // bytes
     qint64 modified = 0; // nanoseconds since 1970 (UTC)
+    qint64 changed = 0; // see RegularFile
     QByteArray bytes;
     RegularFile file;
 };

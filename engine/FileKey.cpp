@@ -59,6 +59,7 @@ FileKey::Checksum FileKey::crcOf(const QString &path, const GoOn &goOn)
     if (file.open(path)) {
         checksum.size = file.size();
         checksum.modified = file.modified();
+        checksum.changed = file.changed();
         crc = Crc32().calculate(&file, goOn, &checksum.isWhole);
     }
     checksum.error = file.errorString();
@@ -78,6 +79,7 @@ FileKey::Checksum FileKey::hashOf(const QString &path,
     }
     checksum.size = file.size();
     checksum.modified = file.modified();
+    checksum.changed = file.changed();
     const qint64 bufferBytes = std::clamp(file.size() + 1, minBlockBytes, maxBlockBytes);
     const std::unique_ptr<char[]> buffer(new char[static_cast<std::size_t>(bufferBytes)]);
     QCryptographicHash hash(algorithm);

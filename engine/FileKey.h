@@ -25,6 +25,7 @@ struct Checksum {
     bool isWhole = false; // all of the file was read
     qint64 size = -1; // bytes; negative if it could not be opened
     qint64 modified = 0; // nanoseconds since 1970 (UTC)
+    qint64 changed = 0; // see RegularFile
     /** See ContentHash; zero for a CRC. */
     quint64 contentHash = 0;
     QString error; // why it could not be read

@@ -18,6 +18,8 @@ namespace Grouping
 struct Files {
     QStringList paths;
     QVector<qint64> sizes;
+    /** False where it is known that no path stands there twice, which is costly to find out. */
+    bool mayRepeat = true;
 };
 
 /** What has been found so far. */

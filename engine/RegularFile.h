@@ -28,6 +28,12 @@ public:
     qint64 size() const;
     /** When it was modified last, as of its opening: nanoseconds since 1970 (UTC). */
     qint64 modified() const;
+    /**
+     * When anything of it was changed last, which nobody can set: likewise. Negative where that was
+     * so short a time before its opening that a later change might not be told from it; 0 where the
+     * system does not know.
+     */
+    qint64 changed() const;
     /** Bytes read, fewer than asked for only at the end; -1 when reading failed. */
     qint64 read(char *data, qint64 maxBytes);
     /** The same, and asks for no more once it has enough: one call reads all of a short file. */

@@ -52,6 +52,11 @@ qint64 RegularFile::modified() const
     return QFileInfo(handle->file).lastModified().toMSecsSinceEpoch() * 1000000;
 }
 
+qint64 RegularFile::changed() const
+{
+    return 0;
+}
+
 qint64 RegularFile::read(char *data, qint64 maxBytes)
 {
     return read(data, maxBytes, maxBytes);

@@ -6,15 +6,34 @@
 #include <QFile>
 
 #include <cerrno>
+#include <ctime>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace
+{
+constexpr qint64 nanosecondsInASecond = 1000000000;
+// What file systems with whole seconds, and with finer times, may take for one moment.
+constexpr qint64 coarseMoment = 2 * nanosecondsInASecond;
+constexpr qint64 fineMoment = nanosecondsInASecond / 50;
+
+// The clock of another machine may be ahead of this one's.
+qint64 settled(qint64 changed)
+{
+    timespec now = {};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    const qint64 moment = changed % nanosecondsInASecond == 0 ? coarseMoment : fineMoment;
+    return FileTime::nanoseconds(now) - changed > moment ? changed : -1;
+}
+} // namespace
+
 struct RegularFile::Handle {
     int descriptor = -1;
     qint64 bytes = 0;
     qint64 modified = 0;
+    qint64 changed = 0;
     QString error;
 
     Handle() = default;
@@ -69,6 +88,7 @@ bool RegularFile::open(const QString &path)
     }
     handle->bytes = status.st_size;
     handle->modified = FileTime::modified(status);
+    handle->changed = settled(FileTime::changed(status));
     return true;
 }
 
@@ -80,6 +100,11 @@ qint64 RegularFile::size() const
 qint64 RegularFile::modified() const
 {
     return handle->modified;
+}
+
+qint64 RegularFile::changed() const
+{
+    return handle->changed;
 }
 
 qint64 RegularFile::read(char *data, qint64 maxBytes)

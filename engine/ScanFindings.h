@@ -12,6 +12,8 @@ struct ScannedFile {
     QString path; // absolute, as it stands in the groups
     qint64 size = 0; // bytes
     qint64 modified = 0; // nanoseconds since 1970 (UTC)
+    /** See RegularFile::changed(). */
+    qint64 changed = 0;
 };
 
 /** A file or folder that was to be looked at and could not be. */

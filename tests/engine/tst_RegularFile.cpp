@@ -23,6 +23,7 @@ private slots:
     void failedRead();
     void sizes();
     void modificationTime();
+    void timeOfLastChange();
 
 private:
     std::unique_ptr<TempTree> tree;
@@ -137,6 +138,36 @@ void tst_RegularFile::modificationTime()
     RegularFile file;
     QVERIFY(file.open(path));
     QCOMPARE(file.modified(), Q_INT64_C(1234567890123000000));
+}
+
+void tst_RegularFile::timeOfLastChange()
+{
+    // It is told once a later change would have another one, and stays what it is when the time of
+    // modification is set back.
+    RegularFile file;
+    QString path;
+    const auto isTooSoon = [&] {
+        path = tree->file(QStringLiteral("file"), "content");
+        return file.open(path) && file.changed() < 0;
+    };
+    if (!isTooSoon() && file.changed() == 0) {
+        QSKIP("this source does not tell it");
+    }
+    // Whatever else the machine does in between.
+    QTRY_VERIFY(isTooSoon());
+    const auto isToldNow = [&] {
+        return file.open(path) && file.changed() > 0;
+    };
+    QTRY_VERIFY(isToldNow());
+    const qint64 changed = file.changed();
+    QFile reset(path);
+    QVERIFY(reset.open(QIODevice::ReadWrite));
+    QVERIFY(reset.setFileTime(QDateTime::fromMSecsSinceEpoch(1234567890123),
+                              QFileDevice::FileModificationTime));
+    reset.close();
+    QTRY_VERIFY(isToldNow());
+    QVERIFY(file.changed() > changed);
+    QVERIFY(file.modified() < changed);
 }
 
 TWINSIFT_TEST_MAIN(tst_RegularFile)

@@ -44,7 +44,14 @@ DeletionPlan::Decision DeletionPlan::decide(const QString &path)
     if (!isAsScanned(file, memberOf(tick->set, tick->member))) {
         return {Verdict::Changed, {}};
     }
-    return {verdictByCopies(path, *tick, file), file};
+    const int comparisonsBefore = comparisons;
+    const Verdict verdict = verdictByCopies(*tick, file);
+    // To compare contents may take long.
+    if (verdict == Verdict::TakeWhatWasSeen && comparisons > comparisonsBefore
+        && !senses.look(path).isSameFileAs(file)) {
+        return {Verdict::Changed, {}};
+    }
+    return {verdict, file};
 }
 
 bool DeletionPlan::isLastOfItsContent(const QString &path) const
@@ -63,7 +70,7 @@ bool DeletionPlan::isLastOfItsContent(const QString &path) const
                 || std::none_of(set.begin(), set.end(), [&](const ScannedFile &other) {
                        const FileState state = senses.look(other.path);
                        return isAsScanned(state, other) && !state.isSameEntryAs(file)
-                           && haveSameContent(path, other.path);
+                           && haveSameContent(file, *own, state, other);
                    });
         }
     }
@@ -142,9 +149,7 @@ DeletionPlan::Search &DeletionPlan::searchIn(int set)
     return search;
 }
 
-DeletionPlan::Verdict DeletionPlan::verdictByCopies(const QString &path,
-                                                    const Tick &tick,
-                                                    const FileState &file)
+DeletionPlan::Verdict DeletionPlan::verdictByCopies(const Tick &tick, const FileState &file)
 {
     Search &search = searchIn(tick.set);
     bool isFileKept = false;
@@ -164,7 +169,11 @@ DeletionPlan::Verdict DeletionPlan::verdictByCopies(const QString &path,
         }
         ++i;
         const bool isFile = copy.seen.isSameEntryAs(file);
-        if (!isFile && !haveSameContent(path, memberOf(tick.set, copy.member).path)) {
+        if (!isFile
+            && !haveSameContent(file,
+                                memberOf(tick.set, tick.member),
+                                copy.seen,
+                                memberOf(tick.set, copy.member))) {
             continue;
         }
         if (!isFile) {
@@ -221,7 +230,21 @@ bool DeletionPlan::isAsScanned(const FileState &state, const ScannedFile &scanne
         && state.modified == scanned.modified;
 }
 
-bool DeletionPlan::haveSameContent(const QString &a, const QString &b) const
+// Who writes to a file can set its time of modification back, and some programs do.
+bool DeletionPlan::isProven(const FileState &state, const ScannedFile &scanned) const
 {
-    return findings.areContentsProven || senses.haveSameBytes(a, b);
+    return findings.areContentsProven && (scanned.changed == 0 || scanned.changed == state.changed);
+}
+
+bool DeletionPlan::haveSameContent(const FileState &stateOfA,
+                                   const ScannedFile &a,
+                                   const FileState &stateOfB,
+                                   const ScannedFile &b) const
+{
+    // Each name of a file that goes changes the file.
+    if ((isProven(stateOfA, a) && isProven(stateOfB, b)) || stateOfA.file == stateOfB.file) {
+        return true;
+    }
+    ++comparisons;
+    return senses.haveSameBytes(a.path, b.path);
 }

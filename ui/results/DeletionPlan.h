@@ -48,7 +48,10 @@ public:
     /** How the plan sees the disk. */
     struct Senses {
         std::function<FileState(const QString &path)> look;
-        /** Asked only where the scan has not proven that the contents are the same. */
+        /**
+         * Asked only where the scan has not proven that the contents are the same, or where a file may
+         * have been written to since without a trace in its size and its time of modification.
+         */
         std::function<bool(const QString &a, const QString &b)> haveSameBytes;
     };
 
@@ -103,16 +106,21 @@ private:
     void findWholeGroups(const QList<QStringList> &shownGroups);
     void findSets();
     Search &searchIn(int set);
-    Verdict verdictByCopies(const QString &path, const Tick &tick, const FileState &file);
+    Verdict verdictByCopies(const Tick &tick, const FileState &file);
     bool findCopy(Search *search, const Tick &tick);
     bool isCopyThere(Search *search, int index, const Tick &tick) const;
     const ScannedFile &memberOf(int set, int member) const;
     static bool isAsScanned(const FileState &state, const ScannedFile &scanned);
-    bool haveSameContent(const QString &a, const QString &b) const;
+    bool isProven(const FileState &state, const ScannedFile &scanned) const;
+    bool haveSameContent(const FileState &stateOfA,
+                         const ScannedFile &a,
+                         const FileState &stateOfB,
+                         const ScannedFile &b) const;
 
     const ScanFindings findings;
     const Senses senses;
     const bool areRowsOfScan;
     QHash<QString, Tick> tickOf;
     QHash<int, Search> searches; // by set
+    mutable int comparisons = 0;
 };

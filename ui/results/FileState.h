@@ -27,13 +27,16 @@ struct FileState {
     /** Of a file with several names, which of them this is: the folder, links followed, and the name. */
     FileIdentity folder;
     QByteArray name;
+    /** When anything of the file changed last, its name or its rights included; as above. */
+    qint64 changed = 0;
 
     /** A call of the system or two; all but exists is meaningless where there is nothing. */
     static FileState of(const QString &path);
 
     /**
      * True when both are one entry of one folder, reached by two paths: through a link to a folder,
-     * or through a folder that is mounted twice. Two hard links of one file are two entries.
+     * through a folder that is mounted twice, or through a file system that shows the files of another
+     * one. Two hard links of one file are two entries.
      */
     bool isSameEntryAs(const FileState &other) const;
     /** True when nothing shows that the file has been written to, or replaced, in between. */

@@ -10,14 +10,38 @@
 #include <memory>
 
 #include <sys/stat.h>
+#ifdef Q_OS_LINUX
+#include <sys/sysmacros.h>
+#endif
 
 namespace
 {
 constexpr qint64 blockBytes = qint64(128) * 1024;
+// Nanoseconds. Sticks and cards keep times no finer, and only one of them: that of their modification.
+constexpr qint64 coarsestTimeOfViews = 10000000;
 
 FileIdentity identityOf(const struct stat &status)
 {
     return {static_cast<quint64>(status.st_dev), static_cast<quint64>(status.st_ino)};
+}
+
+// A file system that lies on no disk of its own may show the files of another one.
+bool mayBeView(const FileIdentity &file)
+{
+#ifdef Q_OS_LINUX
+    return major(static_cast<dev_t>(file.device)) == 0;
+#else
+    Q_UNUSED(file)
+    return true;
+#endif
+}
+
+// A copy can be given the time of modification of its original, but not that of its last change; a view
+// tells both as it finds them. Two files change in the same nanosecond only where times are coarse.
+bool isSeenThroughView(const FileState &a, const FileState &b)
+{
+    return (mayBeView(a.file) || mayBeView(b.file)) && a.size == b.size && a.modified == b.modified
+        && a.changed == b.changed && a.changed % coarsestTimeOfViews != 0;
 }
 } // namespace
 
@@ -35,7 +59,8 @@ FileState FileState::of(const QString &path)
                        static_cast<quint64>(status.st_nlink),
                        identityOf(status),
                        {},
-                       {}};
+                       {},
+                       FileTime::changed(status)};
     if (state.links > 1) {
         const int slash = whole.lastIndexOf('/');
         state.name = whole.mid(slash + 1);
@@ -48,6 +73,9 @@ FileState FileState::of(const QString &path)
 
 bool FileState::isSameEntryAs(const FileState &other) const
 {
+    if (file.device != other.file.device) {
+        return isSeenThroughView(*this, other);
+    }
     return file == other.file
         && (links <= 1 || other.links <= 1 || (folder == other.folder && name == other.name));
 }

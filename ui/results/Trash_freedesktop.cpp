@@ -18,6 +18,9 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#ifdef Q_OS_LINUX
+#include <sys/sysmacros.h>
+#endif
 #include <unistd.h>
 
 // The toolkit's own way to the trash is not taken: it tries for ever where it cannot make a note (of
@@ -59,15 +62,17 @@ private:
 
 /**
  * What is moved. Its folder is held open, so that a folder on its path that is put in another's place
- * changes nothing any more; the file is, so that the system gives its inode to no other one.
+ * changes nothing any more.
  */
 struct MovedFile {
     const Descriptor &folder;
     QByteArray name;
     QByteArray note;
-    struct stat status;
-    /** Closed where any file that stands there is meant. */
-    const Descriptor &seen;
+    FileIdentity identity;
+    /** Null where any file that stands there is meant. */
+    const FileState *seen;
+    /** The file that was seen, open where a renaming may number it anew. */
+    const Descriptor &held;
 };
 
 #ifdef O_PATH
@@ -171,28 +176,46 @@ int renameToNewName(int oldFolder, const QByteArray &oldName, int folder, const 
     return ::renameat(oldFolder, oldName.constData(), folder, name.constData()) == 0 ? 0 : errno;
 }
 
-bool isFileIn(int folder, const QByteArray &name, const struct stat &file)
+FileIdentity identityOf(const struct stat &status)
+{
+    return {static_cast<quint64>(status.st_dev), static_cast<quint64>(status.st_ino)};
+}
+
+bool isFileIn(int folder, const QByteArray &name, const FileIdentity &file)
 {
     struct stat status = {};
     return ::fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0
-        && status.st_dev == file.st_dev && status.st_ino == file.st_ino;
+        && identityOf(status) == file;
 }
 
 // Over a network a renaming may be done and the answer lost.
 bool hasArrived(const MovedFile &file, int folder, const QByteArray &name)
 {
     struct stat status = {};
-    return isFileIn(folder, name, file.status)
+    return isFileIn(folder, name, file.identity)
         && ::fstatat(file.folder.get(), file.name.constData(), &status, AT_SYMLINK_NOFOLLOW) != 0
         && errno == ENOENT;
 }
 
-// Also by what the held file is now: there are file systems that number a file anew when it is renamed.
+bool isSeenFile(const struct stat &status, const FileState &seen)
+{
+    return seen.isRegular && S_ISREG(status.st_mode) && identityOf(status) == seen.file
+        && status.st_size == seen.size && FileTime::modified(status) == seen.modified;
+}
+
+// A renaming changes neither the size nor the time; an inode that was given to another file does.
 bool isTheOneSeen(const MovedFile &file, int folder, const QByteArray &name)
 {
     struct stat now = {};
-    return !file.seen.isOpen() || isFileIn(folder, name, file.status)
-        || (::fstat(file.seen.get(), &now) == 0 && isFileIn(folder, name, now));
+    if (file.seen == nullptr) {
+        return true;
+    }
+    if (file.held.isOpen()) {
+        return isFileIn(folder, name, file.identity)
+            || (::fstat(file.held.get(), &now) == 0 && isFileIn(folder, name, identityOf(now)));
+    }
+    return ::fstatat(folder, name.constData(), &now, AT_SYMLINK_NOFOLLOW) == 0
+        && isSeenFile(now, *file.seen);
 }
 
 Outcome moveUnder(const QByteArray &name, const MovedFile &file, int files, int notes)
@@ -276,22 +299,33 @@ QString topFolderOfAnotherVolume(const Descriptor &folder,
     return topFolder == QStorageInfo(dataFolder).rootPath() ? QString() : topFolder;
 }
 
-bool isSeenFile(const struct stat &status, const FileState &seen)
+// Those of a disk keep a file's number when they rename it; a program or a machine that serves files
+// may not.
+bool mayRenumberByRenaming(const FileState &seen)
 {
-    return seen.isRegular && S_ISREG(status.st_mode)
-        && static_cast<quint64>(status.st_dev) == seen.file.device
-        && static_cast<quint64>(status.st_ino) == seen.file.inode && status.st_size == seen.size
-        && FileTime::modified(status) == seen.modified;
+#ifdef Q_OS_LINUX
+    return major(static_cast<dev_t>(seen.file.device)) == 0;
+#else
+    Q_UNUSED(seen)
+    return true;
+#endif
 }
 
-// False where there is none, or another one than the one that was seen.
-bool lookAt(MovedFile *file, const FileState *seen)
+// False where there is none, or the held one is another one than was seen. What is not held is looked
+// at once it is renamed: between that and the look that saw it no more time passes than here.
+bool identify(MovedFile *file)
 {
-    if (seen != nullptr) {
-        return ::fstat(file->seen.get(), &file->status) == 0 && isSeenFile(file->status, *seen);
+    struct stat status = {};
+    if (file->seen == nullptr) {
+        const bool exists =
+            ::fstatat(file->folder.get(), file->name.constData(), &status, AT_SYMLINK_NOFOLLOW)
+            == 0;
+        file->identity = identityOf(status);
+        return exists;
     }
-    return ::fstatat(file->folder.get(), file->name.constData(), &file->status, AT_SYMLINK_NOFOLLOW)
-        == 0;
+    file->identity = file->seen->file;
+    return !mayRenumberByRenaming(*file->seen)
+        || (::fstat(file->held.get(), &status) == 0 && isSeenFile(status, *file->seen));
 }
 } // namespace
 
@@ -301,11 +335,12 @@ bool Trash::moveFile(const QString &path, const FileState *seen)
     const int slash = whole.lastIndexOf('/');
     const QByteArray name = whole.mid(slash + 1);
     const Descriptor folder(::open(whole.left(slash + 1).constData(), openToHold | O_DIRECTORY));
-    const Descriptor held(
-        seen != nullptr ? ::openat(folder.get(), name.constData(), openToHold | O_NOFOLLOW) : -1);
-    MovedFile file = {folder, name, {}, {}, held};
+    const Descriptor held(seen != nullptr && mayRenumberByRenaming(*seen)
+                              ? ::openat(folder.get(), name.constData(), openToHold | O_NOFOLLOW)
+                              : -1);
+    MovedFile file = {folder, name, {}, {}, seen, held};
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    if (!lookAt(&file, seen) || !QDir::isAbsolutePath(data) || !QDir().mkpath(data)) {
+    if (!identify(&file) || !QDir::isAbsolutePath(data) || !QDir().mkpath(data)) {
         return false;
     }
     const Descriptor place(

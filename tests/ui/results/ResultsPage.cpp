@@ -87,7 +87,8 @@ void ResultsPage::scanned(const QList<QStringList> &groups, const QList<QStringL
         for (const QString &path : paths) {
             struct stat status = {};
             ::stat(QFile::encodeName(path).constData(), &status);
-            files.append({path, status.st_size, FileTime::modified(status)});
+            files.append(
+                {path, status.st_size, FileTime::modified(status), FileTime::changed(status)});
         }
         findings.exactGroups.append(files);
     }

@@ -188,6 +188,9 @@ private slots:
     void takesAndLeaves();
     void knowsNothingOfOtherRows();
     void tellsWhatWasSeen();
+    void looksAgainAfterAComparison();
+    void comparesWhatMayHaveBeenWrittenTo_data();
+    void comparesWhatMayHaveBeenWrittenTo();
     void losesNothing_data();
     void losesNothing();
     void looksAtTwoFiles_data();
@@ -484,6 +487,70 @@ void tst_DeletionPlan::tellsWhatWasSeen()
     const FileState seen = plan.decide(QStringLiteral("A1")).seen;
     QVERIFY(seen.isSameFileAs(disk.files.value(QStringLiteral("A1"))));
     QVERIFY(!seen.isSameFileAs(disk.files.value(QStringLiteral("A2"))));
+}
+
+void tst_DeletionPlan::looksAgainAfterAComparison()
+{
+    // A file that is written to while it is compared stays.
+    Disk disk;
+    disk.add(QStringLiteral("A1"));
+    disk.add(QStringLiteral("A2"));
+    const QList<QStringList> groups = lists("A1 A2");
+    ScanFindings findings = findingsOf(groups, groups);
+    findings.areContentsProven = false;
+    DeletionPlan::Senses senses = sensesOf(disk);
+    senses.haveSameBytes = [&disk](const QString &a, const QString &) {
+        ++disk.files[a].modified;
+        return true;
+    };
+    DeletionPlan plan(groups, ticksOfAScan(groups), findings, senses);
+    QCOMPARE(plan.decide(QStringLiteral("A1")).verdict, Verdict::Changed);
+}
+
+void tst_DeletionPlan::comparesWhatMayHaveBeenWrittenTo_data()
+{
+    QTest::addColumn<qint64>("ofFile");
+    QTest::addColumn<qint64>("ofCopy");
+    QTest::addColumn<bool>("isCompared");
+    QTest::newRow("neither has changed") << qint64(7) << qint64(7) << false;
+    QTest::newRow("the system does not tell") << qint64(0) << qint64(0) << false;
+    QTest::newRow("the file has changed") << qint64(6) << qint64(7) << true;
+    QTest::newRow("the copy has changed") << qint64(7) << qint64(6) << true;
+    QTest::newRow("the file was read too soon") << qint64(-1) << qint64(7) << true;
+    QTest::newRow("the copy was read too soon") << qint64(7) << qint64(-1) << true;
+}
+
+void tst_DeletionPlan::comparesWhatMayHaveBeenWrittenTo()
+{
+    // What has the size and the time that the scan knows, but may have been changed since, goes only
+    // if its bytes are still those of its copy.
+    QFETCH(qint64, ofFile);
+    QFETCH(qint64, ofCopy);
+    QFETCH(bool, isCompared);
+    const QList<QStringList> groups = lists("A1 A2");
+    ScanFindings findings = findingsOf(groups, groups);
+    findings.exactGroups[0][0].changed = ofFile;
+    findings.exactGroups[0][1].changed = ofCopy;
+    for (const bool areSame : {true, false}) {
+        Disk disk;
+        for (const QString &path : groups.first()) {
+            disk.add(path);
+            disk.files[path].changed = 7;
+        }
+        int comparisons = 0;
+        DeletionPlan::Senses senses = sensesOf(disk);
+        senses.haveSameBytes = [&](const QString &, const QString &) {
+            ++comparisons;
+            return areSame;
+        };
+        DeletionPlan plan(groups, ticksOfAScan(groups), findings, senses);
+        const Verdict verdict = plan.decide(QStringLiteral("A1")).verdict;
+        QCOMPARE(comparisons, isCompared ? 1 : 0);
+        QCOMPARE(verdict, areSame || !isCompared ? Verdict::TakeWhatWasSeen : Verdict::OnlyCopy);
+        QCOMPARE(
+            DeletionPlan(groups, {}, findings, senses).isLastOfItsContent(QStringLiteral("A1")),
+            isCompared && !areSame);
+    }
 }
 
 void tst_DeletionPlan::losesNothing_data()

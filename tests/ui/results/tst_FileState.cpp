@@ -6,6 +6,9 @@
 #include <QFile>
 
 #include <unistd.h>
+#ifdef Q_OS_LINUX
+#include <sys/sysmacros.h>
+#endif
 
 /** What is seen at a path, of real files. */
 class tst_FileState final : public TestCase
@@ -17,6 +20,8 @@ private slots:
     void seesWhatStandsThere();
     void tellsAFileFromItsSuccessor();
     void tellsEntriesApart();
+    void tellsViewsFromCopies_data();
+    void tellsViewsFromCopies();
     void comparesBytes_data();
     void comparesBytes();
 };
@@ -91,6 +96,53 @@ void tst_FileState::tellsEntriesApart()
     // A name that was made in between tells nothing of the entry that was seen before.
     QVERIFY(withOneName.isSameEntryAs(FileState::of(tree.path(QStringLiteral("link/file")))));
     QVERIFY(FileState::of(tree.path(QStringLiteral("link/file"))).isSameEntryAs(withOneName));
+}
+
+void tst_FileState::tellsViewsFromCopies_data()
+{
+    QTest::addColumn<quint64>("device");
+    QTest::addColumn<qint64>("modified");
+    QTest::addColumn<qint64>("changed");
+    QTest::addColumn<bool>("isSame");
+    const auto disk = static_cast<quint64>(::makedev(8, 2));
+    const auto view = static_cast<quint64>(::makedev(0, 50));
+    const qint64 time = 1700000000123456789;
+    const qint64 coarse = 1700000000120000000;
+    QTest::newRow("through a file system without a disk") << view << time << time << true;
+    QTest::newRow("a copy that kept its time") << view << time << time + 1 << false;
+    QTest::newRow("written to") << view << time + 1 << time << false;
+    QTest::newRow("where times are coarse") << view << time << coarse << false;
+    QTest::newRow("on a disk that is a copy as a whole") << disk << time << time << false;
+}
+
+void tst_FileState::tellsViewsFromCopies()
+{
+    // A file that another file system shows is the same entry, whatever number it has there; a copy
+    // is none, also on a disk that was copied block by block.
+#ifdef Q_OS_LINUX
+    QFETCH(quint64, device);
+    QFETCH(qint64, modified);
+    QFETCH(qint64, changed);
+    QFETCH(bool, isSame);
+    FileState file;
+    file.exists = true;
+    file.isRegular = true;
+    file.size = 7;
+    file.links = 1;
+    file.modified = 1700000000123456789;
+    file.changed = changed == 1700000000120000000 ? changed : file.modified;
+    file.file = {static_cast<quint64>(::makedev(8, 1)), 12};
+    FileState other = file;
+    other.modified = modified;
+    other.changed = changed;
+    other.file = {device, 34};
+    QCOMPARE(file.isSameEntryAs(other), isSame);
+    QCOMPARE(other.isSameEntryAs(file), isSame);
+    other.size = 8;
+    QVERIFY(!file.isSameEntryAs(other));
+#else
+    QSKIP("devices are numbered by their kind on Linux alone");
+#endif
 }
 
 void tst_FileState::comparesBytes_data()

@@ -44,6 +44,7 @@ private slots:
     void staysWhereTheKeptFileIsNone();
     void staysThroughALinkToAFolder();
     void staysWhereAFolderIsMountedTwice();
+    void staysWhereAnotherFileSystemShowsIt();
     void goesWhereItHasTwoNames();
     void comparesWhatAShortChecksumSays_data();
     void comparesWhatAShortChecksumSays();
@@ -307,6 +308,7 @@ void tst_LastCopyStays::staysWhereTheKeptFileIsNone_data()
     for (const char *kind : {"removed",
                              "cut short",
                              "written anew in its old size",
+                             "written anew in its old size and time",
                              "a link to the ticked one",
                              "a folder",
                              "a FIFO"}) {
@@ -331,6 +333,9 @@ void tst_LastCopyStays::staysWhereTheKeptFileIsNone()
         QCOMPARE(::utime(QFile::encodeName(kept).constData(), &longAgo), 0);
     } else if (kind == QStringLiteral("written anew in its old size")) {
         tree.file(QStringLiteral("kept"), "CONTENT");
+    } else if (kind == QStringLiteral("written anew in its old size and time")) {
+        tree.file(QStringLiteral("kept"), "CONTENT");
+        QCOMPARE(::utime(QFile::encodeName(kept).constData(), &longAgo), 0);
     } else if (kind == QStringLiteral("a link to the ticked one")) {
         tree.link(QStringLiteral("kept"), file);
     } else if (kind == QStringLiteral("a folder")) {
@@ -411,6 +416,44 @@ void tst_LastCopyStays::staysWhereAFolderIsMountedTwice()
     QCOMPARE(TempTree::read(two), QByteArray("two"));
 #else
     QSKIP("folders are mounted twice on Linux alone");
+#endif
+}
+
+void tst_LastCopyStays::staysWhereAnotherFileSystemShowsIt()
+{
+    // A file that is also seen through a file system of layers stays, whichever of the two is ticked.
+#ifdef Q_OS_LINUX
+    const TempTree tree(path(QStringLiteral("tree")));
+    const QString low = tree.file(QStringLiteral("low/a"), "low");
+    const QString up = tree.file(QStringLiteral("up/b"), "up");
+    tree.folder(QStringLiteral("work"));
+    const QString merged = tree.folder(QStringLiteral("merged"));
+    const QByteArray place = QFile::encodeName(merged);
+    const QByteArray options = "lowerdir=" + QFile::encodeName(tree.path(QStringLiteral("low")))
+        + ",upperdir=" + QFile::encodeName(tree.path(QStringLiteral("up")))
+        + ",workdir=" + QFile::encodeName(tree.path(QStringLiteral("work")));
+    if (!ownsMounts()
+        || ::mount("overlay", place.constData(), "overlay", 0, options.constData()) != 0) {
+        QSKIP("only the super-user can mount layers, and only where the system has them");
+    }
+    const auto unmount = qScopeGuard([&] { ::umount2(place.constData(), MNT_DETACH); });
+    const QList<QStringList> groups = {{low, merged + QStringLiteral("/a")},
+                                       {merged + QStringLiteral("/b"), up}};
+    ResultsPage results;
+    results.scanned(groups, groups);
+    const QStringList ticked = {groups.at(0).at(0), groups.at(1).at(0)};
+    QCOMPARE(results.tickedPaths(), ticked);
+    expectLeft(ticked);
+    results.expectDeletion(2, QMessageBox::Yes);
+    results.expectComplete(
+        QStringLiteral("2 files were left where they are.\nthe same file under another name: 2"),
+        sameFile(ticked.at(0)) + sameFile(ticked.at(1)));
+    results.press(QStringLiteral("Delete Selected Files"));
+    QCOMPARE(results.boxes.failures(), QStringList());
+    QCOMPARE(TempTree::read(low), QByteArray("low"));
+    QCOMPARE(TempTree::read(up), QByteArray("up"));
+#else
+    QSKIP("files are seen through layers on Linux alone");
 #endif
 }
 

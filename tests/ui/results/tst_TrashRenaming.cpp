@@ -2,6 +2,7 @@
 #include "tests/support/Hook.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
+#include "tests/support/Volume.h"
 #include "tests/ui/results/ResultsPage.h"
 #include "ui/results/FileState.h"
 #include "ui/results/Trash.h"
@@ -11,7 +12,10 @@
 
 #include <cerrno>
 #include <functional>
+#include <memory>
 #include <utility>
+
+#include <unistd.h>
 
 namespace
 {
@@ -137,39 +141,59 @@ void tst_TrashRenaming::fileStaysWithoutANote()
 void tst_TrashRenaming::putsBackWhatWasSwapped_data()
 {
     QTest::addColumn<QString>("kind");
-    for (const char *kind : {"a file", "a link", "a folder"}) {
-        QTest::newRow(kind) << QString::fromLatin1(kind);
+    QTest::addColumn<bool>("isOnVolume");
+    for (const char *kind : {"a file", "a link", "a folder", "nothing"}) {
+        QTest::newRow(kind) << QString::fromLatin1(kind) << false;
+        QTest::addRow("%s, on a volume that is no disk", kind) << QString::fromLatin1(kind) << true;
     }
+    QTest::newRow("the file, written to") << QStringLiteral("itself") << false;
 }
 
 void tst_TrashRenaming::putsBackWhatWasSwapped()
 {
     // What takes the place of the file in the very last moment is back there, and no note is left.
     QFETCH(QString, kind);
-    const TempTree tree(path(QString()));
+    QFETCH(bool, isOnVolume);
+    const QString root = path(QStringLiteral("tree"));
+    const auto volume = isOnVolume ? std::make_unique<Volume>(root, "size=1m") : nullptr;
+    if (volume && !volume->isMounted()) {
+        QSKIP("only the super-user can mount a volume");
+    }
+    const TempTree tree(root);
     const QString file = tree.file(QStringLiteral("a"), "content");
     const QString aside = tree.path(QStringLiteral("aside"));
     const FileState seen = FileState::of(file);
     const Hook swap(&before, [&] {
+        if (kind == QStringLiteral("itself")) {
+            tree.file(QStringLiteral("a"), "another");
+            return;
+        }
         QFile::rename(file, aside);
         if (kind == QStringLiteral("a file")) {
             tree.file(QStringLiteral("a"), "another");
         } else if (kind == QStringLiteral("a link")) {
             tree.link(QStringLiteral("a"), aside);
-        } else {
+        } else if (kind == QStringLiteral("a folder")) {
             tree.folder(QStringLiteral("a"));
         }
     });
     QVERIFY(!Trash::moveFile(file, &seen));
-    QCOMPARE(TempTree::read(aside), QByteArray("content"));
+    QVERIFY(!before);
     const QFileInfo there(file);
     QCOMPARE(there.isSymLink(), kind == QStringLiteral("a link"));
     QCOMPARE(there.isDir(), kind == QStringLiteral("a folder"));
-    if (kind == QStringLiteral("a file")) {
+    QCOMPARE(there.exists(), kind != QStringLiteral("nothing"));
+    if (there.isFile() && !there.isSymLink()) {
         QCOMPARE(TempTree::read(file), QByteArray("another"));
     }
-    QVERIFY(QDir(homeTrash() + QStringLiteral("/files")).isEmpty());
-    QVERIFY(QDir(homeTrash() + QStringLiteral("/info")).isEmpty());
+    if (kind != QStringLiteral("itself")) {
+        QCOMPARE(TempTree::read(aside), QByteArray("content"));
+    }
+    const QString trash =
+        isOnVolume ? tree.path(QStringLiteral(".Trash-%1").arg(::geteuid())) : homeTrash();
+    QVERIFY(QDir(trash + QStringLiteral("/files")).isEmpty());
+    QVERIFY(QDir(trash + QStringLiteral("/info")).isEmpty());
+    QVERIFY(QFileInfo::exists(trash + QStringLiteral("/files")));
 }
 
 void tst_TrashRenaming::keepsWhatCannotBePutBack()
