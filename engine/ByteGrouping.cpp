@@ -5,6 +5,7 @@
 #include "engine/DuplicateGroup.h"
 #include "engine/FileComparison.h"
 #include "engine/FileKey.h"
+#include "engine/ReaderCount.h"
 #include "engine/ScanProgress.h"
 
 #include <algorithm>
@@ -15,8 +16,7 @@
 
 namespace
 {
-// Files of small buckets stay open behind their heads: so many at most, of which the readers hold 128.
-constexpr ReadAhead<FileHead>::Bounds headBounds = {16, 8, 16};
+constexpr int fewHeads = 16;
 
 bool areOfOneSize(const std::vector<ContentClasses::File> &files)
 {
@@ -173,7 +173,11 @@ void ByteGrouping::readHeadsAhead()
         const Item &item = items.at(number);
         return FileHead::read(paths.at(item.file), FileHead::maxBytes, item.staysOpen);
     };
-    heads = std::make_unique<ReadAhead<FileHead>>(items.size(), headBounds, read);
+    // Files of small buckets stay open behind their heads.
+    const ReadAhead<FileHead>::Bounds bounds = {ReaderCount::headsInHand,
+                                                ReaderCount::ofHeads(),
+                                                fewHeads};
+    heads = std::make_unique<ReadAhead<FileHead>>(items.size(), bounds, read);
 }
 
 bool ByteGrouping::confirm(const Bucket &bucket)

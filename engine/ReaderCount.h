@@ -8,7 +8,12 @@ namespace ReaderCount
 {
 /** Of listings of folders: each mostly waits for the disk. */
 int ofFolders();
-/** Of the beginnings of files: each mostly waits for the disk. */
+/** So many beginnings of files a reader has in hand, each of an open file. */
+constexpr int headsInHand = 16;
+/**
+ * Of the beginnings of files: each mostly waits for the disk. Fewer where the process may not have
+ * that many files open.
+ */
 int ofHeads();
 /**
  * Of whole files below the folders: as many as there are processors, but few where the files lie on

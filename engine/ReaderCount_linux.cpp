@@ -6,13 +6,17 @@
 
 #include <algorithm>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
 namespace
 {
-// Eight read the beginnings of a cold tree in a quarter of the time of one; more were not tried.
-constexpr int waitingReaders = 8;
+// Of 65,000 files of a cold tree four took 3.1 s, eight 3.5, sixteen 2.3 and 32 2.1 s. Warm, they make
+// no difference.
+constexpr int waitingReaders = 16;
+// Those that are compared, the folders that are listed, and what the toolkit has open.
+constexpr int otherOpenFiles = 160;
 constexpr int readersOfRotationalDisk = 2;
 
 bool liesOnRotationalDisk(const QString &folder)
@@ -32,7 +36,14 @@ int ReaderCount::ofFolders()
 
 int ReaderCount::ofHeads()
 {
-    return waitingReaders;
+    struct rlimit limit = {};
+    // The batch that is taken is open as well.
+    constexpr rlim_t enough = otherOpenFiles + (waitingReaders + 1) * headsInHand;
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= enough) {
+        return waitingReaders;
+    }
+    const int open = static_cast<int>(limit.rlim_cur) - otherOpenFiles;
+    return std::max(1, open / headsInHand - 1);
 }
 
 int ReaderCount::ofContents(const QStringList &folders)
