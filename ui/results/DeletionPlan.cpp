@@ -32,26 +32,33 @@ DeletionPlan::Decision DeletionPlan::decide(const QString &path)
 {
     const auto tick = tickOf.constFind(path);
     if (!areRowsOfScan || (tick != tickOf.constEnd() && tick->isAskedFor)) {
-        return {Verdict::Take, {}};
+        return {Verdict::Take, {}, {}, {}};
     }
     const FileState file = senses.look(path);
     if (!file.exists) {
-        return {Verdict::Missing, {}};
+        return {Verdict::Missing, {}, {}, {}};
     }
     if (tick == tickOf.constEnd() || tick->set < 0) {
-        return {Verdict::OnlyCopy, {}};
+        return {Verdict::OnlyCopy, {}, {}, {}};
     }
     if (!isAsScanned(file, memberOf(tick->set, tick->member))) {
-        return {Verdict::Changed, {}};
+        return {Verdict::Changed, {}, {}, {}};
     }
     const int comparisonsBefore = comparisons;
-    const Verdict verdict = verdictByCopies(*tick, file);
+    const Decision decision = decideByCopies(*tick, file);
     // To compare contents may take long.
-    if (verdict == Verdict::TakeWhatWasSeen && comparisons > comparisonsBefore
+    if (decision.verdict == Verdict::TakeWhatWasSeen && comparisons > comparisonsBefore
         && !senses.look(path).isSameFileAs(file)) {
-        return {Verdict::Changed, {}};
+        return {Verdict::Changed, {}, {}, {}};
     }
-    return {verdict, file};
+    return decision;
+}
+
+bool DeletionPlan::isCopyLeft(const Decision &decision) const
+{
+    const FileState state = senses.look(decision.copy);
+    return state.exists && state.isRegular && state.size == decision.copySeen.size
+        && state.modified == decision.copySeen.modified;
 }
 
 bool DeletionPlan::isLastOfItsContent(const QString &path) const
@@ -69,7 +76,7 @@ bool DeletionPlan::isLastOfItsContent(const QString &path) const
             return !isAsScanned(file, *own)
                 || std::none_of(set.begin(), set.end(), [&](const ScannedFile &other) {
                        const FileState state = senses.look(other.path);
-                       return isAsScanned(state, other) && !state.isSameEntryAs(file)
+                       return mayStay(state, other) && !state.isSameEntryAs(file)
                            && haveSameContent(file, *own, state, other);
                    });
         }
@@ -149,7 +156,7 @@ DeletionPlan::Search &DeletionPlan::searchIn(int set)
     return search;
 }
 
-DeletionPlan::Verdict DeletionPlan::verdictByCopies(const Tick &tick, const FileState &file)
+DeletionPlan::Decision DeletionPlan::decideByCopies(const Tick &tick, const FileState &file)
 {
     Search &search = searchIn(tick.set);
     bool isFileKept = false;
@@ -177,11 +184,14 @@ DeletionPlan::Verdict DeletionPlan::verdictByCopies(const Tick &tick, const File
             continue;
         }
         if (!isFile) {
-            return Verdict::TakeWhatWasSeen;
+            return {Verdict::TakeWhatWasSeen,
+                    file,
+                    memberOf(tick.set, copy.member).path,
+                    copy.seen};
         }
         isFileKept = true;
     }
-    return isFileKept ? Verdict::SameFile : Verdict::OnlyCopy;
+    return {isFileKept ? Verdict::SameFile : Verdict::OnlyCopy, {}, {}, {}};
 }
 
 bool DeletionPlan::findCopy(Search *search, const Tick &tick)
@@ -215,13 +225,19 @@ bool DeletionPlan::isCopyThere(Search *search, int index, const Tick &tick) cons
         return other.seen.isSameEntryAs(copy.seen);
     };
     const auto end = search->found.cbegin() + index;
-    return isAsScanned(copy.seen, scanned)
+    return mayStay(copy.seen, scanned)
         && !(isNew && std::any_of(search->found.cbegin(), end, isKnown));
 }
 
 const ScannedFile &DeletionPlan::memberOf(int set, int member) const
 {
     return findings.exactGroups.at(set).at(member);
+}
+
+// What lies in the trash goes when it is emptied.
+bool DeletionPlan::mayStay(const FileState &state, const ScannedFile &scanned) const
+{
+    return isAsScanned(state, scanned) && !senses.isInTrash(scanned.path);
 }
 
 bool DeletionPlan::isAsScanned(const FileState &state, const ScannedFile &scanned)

@@ -42,7 +42,10 @@ public:
 
     struct Decision {
         Verdict verdict = Verdict::OnlyCopy;
-        FileState seen; // of the file itself, with TakeWhatWasSeen
+        // With TakeWhatWasSeen, of the file itself and of the copy that stays.
+        FileState seen;
+        QString copy;
+        FileState copySeen;
     };
 
     /** How the plan sees the disk. */
@@ -53,6 +56,8 @@ public:
          * have been written to since without a trace in its size and its time of modification.
          */
         std::function<bool(const QString &a, const QString &b)> haveSameBytes;
+        /** Of a path: it is no copy that stays. */
+        std::function<bool(const QString &path)> isInTrash;
     };
 
     /**
@@ -70,6 +75,11 @@ public:
      * out to be none any more, or to be another path to the same file.
      */
     Decision decide(const QString &path);
+    /**
+     * Whether the copy that stays is there, now that the file has been taken. The two may have been
+     * one file in a way that nothing showed before, or another deletion took the copy meanwhile.
+     */
+    bool isCopyLeft(const Decision &decision) const;
 
     /**
      * True when rows of the scan show the file and no other file that was found has its content any
@@ -106,10 +116,11 @@ private:
     void findWholeGroups(const QList<QStringList> &shownGroups);
     void findSets();
     Search &searchIn(int set);
-    Verdict verdictByCopies(const Tick &tick, const FileState &file);
+    Decision decideByCopies(const Tick &tick, const FileState &file);
     bool findCopy(Search *search, const Tick &tick);
     bool isCopyThere(Search *search, int index, const Tick &tick) const;
     const ScannedFile &memberOf(int set, int member) const;
+    bool mayStay(const FileState &state, const ScannedFile &scanned) const;
     static bool isAsScanned(const FileState &state, const ScannedFile &scanned);
     bool isProven(const FileState &state, const ScannedFile &scanned) const;
     bool haveSameContent(const FileState &stateOfA,

@@ -6,6 +6,7 @@
 #include "app/ModelEvent.h"
 #include "ui/Picture.h"
 #include "ui/progress/ClickableLabel.h"
+#include "ui/results/Deletion.h"
 #include "ui/results/DeletionPlan.h"
 #include "ui/results/DuplicatedFilesTableModel.h"
 #include "ui/results/FilepathDelegate.h"
@@ -72,7 +73,7 @@ QString deleteCurrentFileText()
 
 DeletionPlan::Senses sensesOfTheDisk()
 {
-    return {FileState::of, FileState::haveSameBytes};
+    return {FileState::of, FileState::haveSameBytes, Trash::holds};
 }
 } // namespace
 
@@ -125,9 +126,11 @@ void DuplicatedFilesListWidget::saveList()
     }
 }
 
-bool DuplicatedFilesListWidget::moveFileToTrash(const QString &path, const FileState *seen)
+bool DuplicatedFilesListWidget::moveFileToTrash(const QString &path,
+                                                const FileState *seen,
+                                                const std::function<bool()> &mayStay)
 {
-    return Trash::moveFile(path, seen);
+    return Trash::moveFile(path, seen, mayStay);
 }
 
 void DuplicatedFilesListWidget::removeFile(const QString &path)
@@ -423,25 +426,16 @@ void DuplicatedFilesListWidget::askToDeleteSelectedFiles()
     }
 }
 
-// What has been looked at is what is moved: it may be another file by then.
 LeftFiles DuplicatedFilesListWidget::moveTickedFiles()
 {
-    using Verdict = DeletionPlan::Verdict;
     MovingScreen screen(tableView);
     const QStringList paths = tableModel->selectedFiles();
     DeletionPlan plan(shownGroups, paths, findings, sensesOfTheDisk());
-    LeftFiles left;
-    for (const QString &path : paths) {
-        const DeletionPlan::Decision decision = plan.decide(path);
-        const bool isSeen = decision.verdict == Verdict::TakeWhatWasSeen;
-        if (!(isSeen || decision.verdict == Verdict::Take)
-            || !moveFileToTrash(path, isSeen ? &decision.seen : nullptr)) {
-            qDebug().noquote() << QStringLiteral("Cannot remove file:") << path;
-            left.add(path, FileState::of(path).exists ? decision.verdict : Verdict::Missing);
-        }
-        screen.showProgress();
-    }
-    return left;
+    const auto move =
+        [this](const QString &path, const FileState *seen, const std::function<bool()> &mayStay) {
+            return moveFileToTrash(path, seen, mayStay);
+        };
+    return Deletion::run(&plan, paths, move, [&screen] { screen.showProgress(); });
 }
 
 QMessageBox::StandardButton DuplicatedFilesListWidget::showBox(QMessageBox::Icon icon,

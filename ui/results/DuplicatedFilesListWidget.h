@@ -7,6 +7,8 @@
 #include <QModelIndex>
 #include <QWidget>
 
+#include <functional>
+
 struct FileState;
 
 class ClickableLabel;
@@ -47,7 +49,9 @@ public:
      * True if the file is in the trash now, false if it is still in its place, as any other one is
      * than the one that was seen there, if that is told.
      */
-    bool moveFileToTrash(const QString &path, const FileState *seen = nullptr);
+    bool moveFileToTrash(const QString &path,
+                         const FileState *seen = nullptr,
+                         const std::function<bool()> &mayStay = nullptr);
     /** Asks, and says so if no other copy of it is known, then deletes for good. */
     void removeFile(const QString &path);
 

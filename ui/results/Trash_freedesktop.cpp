@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QStorageInfo>
 
@@ -73,6 +74,7 @@ struct MovedFile {
     const FileState *seen;
     /** The file that was seen, open where a renaming may number it anew. */
     const Descriptor &held;
+    const std::function<bool()> &mayStay;
 };
 
 #ifdef O_PATH
@@ -227,10 +229,10 @@ Outcome moveUnder(const QByteArray &name, const MovedFile &file, int files, int 
     }
     const int error = renameToNewName(file.folder.get(), file.name, files, name);
     if (error == 0 || hasArrived(file, files, name)) {
-        if (isTheOneSeen(file, files, name)) {
+        if (isTheOneSeen(file, files, name) && (!file.mayStay || file.mayStay())) {
             return Outcome::Done;
         }
-        // Put in its place in the last moment. Where that is taken again it can be restored.
+        // Put in its place in the last moment, or wanted back. Where that is taken again it can be restored.
         if (renameToNewName(files, name, file.folder.get(), file.name) == 0) {
             ::unlinkat(notes, noteName.constData(), 0);
         }
@@ -329,7 +331,9 @@ bool identify(MovedFile *file)
 }
 } // namespace
 
-bool Trash::moveFile(const QString &path, const FileState *seen)
+bool Trash::moveFile(const QString &path,
+                     const FileState *seen,
+                     const std::function<bool()> &mayStay)
 {
     const QByteArray whole = QFile::encodeName(QFileInfo(path).absoluteFilePath());
     const int slash = whole.lastIndexOf('/');
@@ -338,7 +342,7 @@ bool Trash::moveFile(const QString &path, const FileState *seen)
     const Descriptor held(seen != nullptr && mayRenumberByRenaming(*seen)
                               ? ::openat(folder.get(), name.constData(), openToHold | O_NOFOLLOW)
                               : -1);
-    MovedFile file = {folder, name, {}, {}, seen, held};
+    MovedFile file = {folder, name, {}, {}, seen, held, mayStay};
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     if (!identify(&file) || !QDir::isAbsolutePath(data) || !QDir().mkpath(data)) {
         return false;
@@ -356,4 +360,13 @@ bool Trash::moveFile(const QString &path, const FileState *seen)
     const QString moved = canonicalFolderOf(path) % QLatin1Char('/') % QFileInfo(path).fileName();
     file.note = noteOf(QFile::encodeName(QDir(otherVolume).relativeFilePath(moved)));
     return moveInto(trash.get(), file);
+}
+
+// Those of volumes are told by their names, which the rules of the desktops give them.
+bool Trash::holds(const QString &path)
+{
+    static const QRegularExpression ofVolume(
+        QStringLiteral("/(\\.Trash-[0-9]+|\\.Trash/[0-9]+)/files/"));
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    return path.startsWith(data + QStringLiteral("/Trash/files/")) || path.contains(ofVolume);
 }

@@ -57,6 +57,7 @@ public:
             }
         }
     }
+    QStringList inTrash;
     bool isAsScanned(const QString &path) const
     {
         const FileState state = files.value(path);
@@ -140,8 +141,9 @@ QString nameOf(Verdict verdict)
 DeletionPlan::Senses sensesOf(const Disk &disk)
 {
     return {[&disk](const QString &path) { return disk.look(path); },
-            [&disk](const QString &a, const QString &b) {
-                return disk.haveSameBytes(a, b);
+            [&disk](const QString &a, const QString &b) { return disk.haveSameBytes(a, b); },
+            [&disk](const QString &path) {
+                return disk.inTrash.contains(path);
             }};
 }
 
@@ -188,6 +190,8 @@ private slots:
     void takesAndLeaves();
     void knowsNothingOfOtherRows();
     void tellsWhatWasSeen();
+    void copyMustBeThereAfterwards();
+    void copyInTheTrashIsNone();
     void looksAgainAfterAComparison();
     void comparesWhatMayHaveBeenWrittenTo_data();
     void comparesWhatMayHaveBeenWrittenTo();
@@ -487,6 +491,58 @@ void tst_DeletionPlan::tellsWhatWasSeen()
     const FileState seen = plan.decide(QStringLiteral("A1")).seen;
     QVERIFY(seen.isSameFileAs(disk.files.value(QStringLiteral("A1"))));
     QVERIFY(!seen.isSameFileAs(disk.files.value(QStringLiteral("A2"))));
+}
+
+void tst_DeletionPlan::copyMustBeThereAfterwards()
+{
+    // Where nothing showed that both were one file, the look at the copy behind the move does.
+    Disk disk;
+    disk.add(QStringLiteral("A1"));
+    disk.add(QStringLiteral("A2"));
+    const QList<QStringList> groups = lists("A1 A2");
+    DeletionPlan plan(groups, ticksOfAScan(groups), findingsOf(groups, groups), sensesOf(disk));
+    const DeletionPlan::Decision decision = plan.decide(QStringLiteral("A1"));
+    QCOMPARE(decision.copy, QStringLiteral("A2"));
+    QVERIFY(plan.isCopyLeft(decision));
+    FileState &copy = disk.files[QStringLiteral("A2")];
+    const FileState seen = copy;
+    // Some file systems number a file anew, and each name that goes changes its last time.
+    copy.file.inode += 100;
+    ++copy.changed;
+    QVERIFY(plan.isCopyLeft(decision));
+    ++copy.size;
+    QVERIFY(!plan.isCopyLeft(decision));
+    copy = seen;
+    ++copy.modified;
+    QVERIFY(!plan.isCopyLeft(decision));
+    copy = seen;
+    copy.isRegular = false;
+    QVERIFY(!plan.isCopyLeft(decision));
+    disk.files.remove(QStringLiteral("A2"));
+    QVERIFY(!plan.isCopyLeft(decision));
+}
+
+void tst_DeletionPlan::copyInTheTrashIsNone()
+{
+    // It goes when the trash is emptied.
+    Disk disk;
+    for (const char *name : {"A1", "A2", "A3"}) {
+        disk.add(QLatin1String(name));
+    }
+    const QList<QStringList> groups = lists("A1 A2 A3");
+    disk.inTrash = QStringList({QStringLiteral("A2"), QStringLiteral("A3")});
+    const DeletionPlan plan(groups,
+                            ticksOfAScan(groups),
+                            findingsOf(groups, groups),
+                            sensesOf(disk));
+    QVERIFY(plan.isLastOfItsContent(QStringLiteral("A1")));
+    Disk copy = disk;
+    QVERIFY(!deleteAll(&copy, groups, ticksOfAScan(groups), findingsOf(groups, groups))
+                 .contains(QStringLiteral("A1 goes")));
+    disk.inTrash.removeLast();
+    QVERIFY(!plan.isLastOfItsContent(QStringLiteral("A1")));
+    QVERIFY(deleteAll(&disk, groups, ticksOfAScan(groups), findingsOf(groups, groups))
+                .contains(QStringLiteral("A1 goes")));
 }
 
 void tst_DeletionPlan::looksAgainAfterAComparison()

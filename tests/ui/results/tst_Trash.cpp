@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QScopeGuard>
+#include <QStandardPaths>
 #include <QStorageInfo>
 
 #include <unistd.h>
@@ -45,6 +46,8 @@ private slots:
     void movesTheFileThatWasSeen();
     void leavesAnyOtherFileThanTheOneSeen_data();
     void leavesAnyOtherFileThanTheOneSeen();
+    void holdsWhatLiesInIt_data();
+    void holdsWhatLiesInIt();
 
 private:
     QByteArray infoOf(const QString &name) const
@@ -467,6 +470,31 @@ void tst_Trash::leavesAnyOtherFileThanTheOneSeen()
     }
     QCOMPARE(inTrash(QStringLiteral("files")), QStringList());
     QCOMPARE(inTrash(QStringLiteral("info")), QStringList());
+}
+
+void tst_Trash::holdsWhatLiesInIt_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<bool>("isHeld");
+    // The home of a test is known when it runs.
+    const QString data = QStringLiteral("DATA");
+    QTest::newRow("home") << data + QStringLiteral("/Trash/files/a") << true;
+    QTest::newRow("home, below a folder") << data + QStringLiteral("/Trash/files/b/a") << true;
+    QTest::newRow("note") << data + QStringLiteral("/Trash/info/a") << false;
+    QTest::newRow("volume") << QStringLiteral("/mnt/.Trash-1000/files/a") << true;
+    QTest::newRow("shared, on a volume") << QStringLiteral("/mnt/.Trash/1000/files/a") << true;
+    QTest::newRow("like one") << QStringLiteral("/mnt/Trash/files/a") << false;
+    QTest::newRow("of no user") << QStringLiteral("/mnt/.Trash-x/files/a") << false;
+    QTest::newRow("beside it") << data + QStringLiteral("/Trash/filesystem/a") << false;
+}
+
+void tst_Trash::holdsWhatLiesInIt()
+{
+    QFETCH(QString, file);
+    QFETCH(bool, isHeld);
+    file.replace(QStringLiteral("DATA"),
+                 QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
+    QCOMPARE(Trash::holds(file), isHeld);
 }
 
 TWINSIFT_TEST_MAIN(tst_Trash)

@@ -78,6 +78,9 @@ private slots:
     void keepsWhatCannotBePutBack();
     void movesTheFileWhoseFolderIsSwapped();
     void pageMovesWhatItHasLookedAt();
+    void fileIsFetchedBackWhenItMayNotStay();
+    void pageFetchesBackTheLastCopy_data();
+    void pageFetchesBackTheLastCopy();
 
 private:
     QByteArray inTrash(const QString &name) const
@@ -252,6 +255,59 @@ void tst_TrashRenaming::pageMovesWhatItHasLookedAt()
     QCOMPARE(results.boxes.failures(), QStringList());
     QVERIFY(!before);
     QCOMPARE(TempTree::read(group.first()), QByteArray("another"));
+    QVERIFY(QDir(homeTrash() + QStringLiteral("/files")).isEmpty());
+}
+
+void tst_TrashRenaming::fileIsFetchedBackWhenItMayNotStay()
+{
+    // As soon as it lies in the trash it is asked whether it may; nothing of it is left there.
+    const TempTree tree(path(QString()));
+    const QString file = tree.file(QStringLiteral("a"), "content");
+    const FileState seen = FileState::of(file);
+    bool wasThere = true;
+    QVERIFY(!Trash::moveFile(file, &seen, [&] {
+        wasThere = QFileInfo::exists(file);
+        return false;
+    }));
+    QVERIFY(!wasThere);
+    QCOMPARE(TempTree::read(file), QByteArray("content"));
+    QVERIFY(QDir(homeTrash() + QStringLiteral("/files")).isEmpty());
+    QVERIFY(QDir(homeTrash() + QStringLiteral("/info")).isEmpty());
+    QVERIFY(Trash::moveFile(file, &seen, [] { return true; }));
+    QVERIFY(!QFileInfo::exists(file));
+}
+
+void tst_TrashRenaming::pageFetchesBackTheLastCopy_data()
+{
+    QTest::addColumn<bool>("isRewritten");
+    QTest::newRow("the copy goes") << false;
+    QTest::newRow("the copy is written to") << true;
+}
+
+void tst_TrashRenaming::pageFetchesBackTheLastCopy()
+{
+    // Two windows may move the two copies of a content at once: each looks again.
+    QFETCH(bool, isRewritten);
+    const TempTree tree(path(QStringLiteral("tree")));
+    const QStringList group = {tree.file(QStringLiteral("a"), "content"),
+                               tree.file(QStringLiteral("kept"), "content")};
+    ResultsPage results;
+    results.scanned({group}, {group});
+    const Hook loss(&before, [&] {
+        if (isRewritten) {
+            tree.file(QStringLiteral("kept"), "something else");
+        } else {
+            QFile::rename(group.last(), tree.path(QStringLiteral("aside")));
+        }
+    });
+    expectMessage(QtDebugMsg, QStringLiteral("Cannot remove file: ") + group.first());
+    results.expectComplete(QStringLiteral("1 file was left where it is.\n"
+                                          "the only copy left: 1"),
+                           group.first() + QStringLiteral(": the only copy left\n"));
+    results.page.deleteSelectedFiles();
+    QCOMPARE(results.boxes.failures(), QStringList());
+    QVERIFY(!before);
+    QCOMPARE(TempTree::read(group.first()), QByteArray("content"));
     QVERIFY(QDir(homeTrash() + QStringLiteral("/files")).isEmpty());
 }
 
