@@ -2,6 +2,8 @@
 #include "engine/ContentClasses.h"
 
 #include "engine/ContentHash.h"
+#include "engine/KeptHeads.h"
+#include "engine/SortInSteps.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,7 +15,6 @@ namespace
 constexpr qint64 headBytes = FileHead::maxBytes;
 constexpr qint64 blockBytes = qint64(128) * 1024;
 constexpr qint64 windowBytes = qint64(32) * 1024 * 1024;
-constexpr qint64 maxBytesOfHeads = qint64(64) * 1024 * 1024;
 // Each hash covers so many times the bytes before it: a file is opened for few of them.
 constexpr qint64 growth = 16;
 constexpr qint64 maxBytesOfShortHash = qint64(16) * 1024 * 1024;
@@ -39,41 +40,6 @@ bool forEachRun(const List &list, const Agree &agree, const Visit &visit)
     return true;
 }
 } // namespace
-
-// The beginnings of many files. They are kept where there is room for those of all files of their
-// size, so that short files are done with after one look.
-struct ContentClasses::KeptHeads {
-    explicit KeptHeads(int fileCount)
-        : maxKeptBytes(maxBytesOfHeads / fileCount)
-        , starts(toSize(fileCount), nullptr)
-    {
-    }
-
-    bool areKept(qint64 bytes) const { return bytes <= maxKeptBytes; }
-
-    void keep(int index, const char *data, qint64 bytes)
-    {
-        if (chunks.empty() || used + bytes > chunkBytes) {
-            chunks.emplace_back(new char[toSize(chunkBytes)]);
-            used = 0;
-        }
-        char *const start = chunks.back().get() + used;
-        std::memcpy(start, data, toSize(bytes));
-        starts[toSize(index)] = start;
-        used += bytes;
-    }
-
-    bool areEqual(int a, int b, qint64 bytes) const
-    {
-        return std::memcmp(starts[toSize(a)], starts[toSize(b)], toSize(bytes)) == 0;
-    }
-
-    static constexpr qint64 chunkBytes = qint64(1024) * 1024;
-    qint64 maxKeptBytes;
-    std::vector<const char *> starts;
-    std::vector<std::unique_ptr<char[]>> chunks;
-    qint64 used = 0;
-};
 
 ContentClasses::ContentClasses(QStringList filePaths, GoOn mayGoOn, qint64 maxBytes)
     : paths(std::move(filePaths))
@@ -298,11 +264,11 @@ bool ContentClasses::sortMany(const Heads &heads)
     const auto rank = [this](int index) {
         return std::make_pair(lengthOf(index), hashes[toSize(index)]);
     };
-    std::stable_sort(files.begin(), files.end(), [&](int a, int b) { return rank(a) < rank(b); });
-    return forEachRun(
-        files,
-        [&](int a, int b) { return rank(a) == rank(b); },
-        [&](const Part &part) { return sortByHeads(part, kept); });
+    return sortInSteps(&files, rank, goOn)
+        && forEachRun(
+               files,
+               [&](int a, int b) { return rank(a) == rank(b); },
+               [&](const Part &part) { return sortByHeads(part, kept); });
 }
 
 // Leaves out what cannot be read, or is like no other file anyway.
@@ -385,13 +351,11 @@ bool ContentClasses::refineByHash(const Part &part, qint64 from, qint64 to)
     const auto hashOf = [this](int index) {
         return hashes[toSize(index)];
     };
-    std::stable_sort(files.begin(), files.end(), [&](int a, int b) {
-        return hashOf(a) < hashOf(b);
-    });
-    return forEachRun(
-        files,
-        [&](int a, int b) { return hashOf(a) == hashOf(b); },
-        [&](const Part &agreeing) { return refine(agreeing, to); });
+    return sortInSteps(&files, hashOf, goOn)
+        && forEachRun(
+               files,
+               [&](int a, int b) { return hashOf(a) == hashOf(b); },
+               [&](const Part &agreeing) { return refine(agreeing, to); });
 }
 
 // False when the work was ended. A file that has failed or changed counts as not read.

@@ -11,6 +11,8 @@
 #include <memory>
 #include <vector>
 
+class KeptHeads;
+
 /**
  * Sorts files into classes of equal content.
  *
@@ -66,7 +68,6 @@ private:
     };
     using OpenFiles = std::vector<OpenFile>;
     using Part = std::vector<int>; // indexes, ascending
-    struct KeptHeads;
 
     File &at(int index) { return sorted[static_cast<std::size_t>(index)]; }
     qint64 lengthOf(int index) const;
