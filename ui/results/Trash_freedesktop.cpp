@@ -365,6 +365,10 @@ bool Trash::moveFile(const QString &path,
 // Those of volumes are told by their names, which the rules of the desktops give them.
 bool Trash::holds(const QString &path)
 {
+    // Asked for each file of a deletion, of which none may be.
+    if (!path.contains(QLatin1String("/files/"))) {
+        return false;
+    }
     static const QRegularExpression ofVolume(
         QStringLiteral("/(\\.Trash-[0-9]+|\\.Trash/[0-9]+)/files/"));
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
