@@ -16,6 +16,8 @@ namespace
 {
 constexpr qint64 minBlockBytes = qint64(4) * 1024;
 constexpr qint64 maxBlockBytes = qint64(128) * 1024;
+// So much more than it announced is read of a file, which may grow as fast as it is read.
+constexpr qint64 maxBytesBehindTheEnd = qint64(64) * 1024 * 1024;
 
 QDateTime creationTime(const QFileInfo &info)
 {
@@ -95,6 +97,9 @@ FileKey::Checksum FileKey::hashOf(const QString &path,
         hash.addData(buffer.get(), static_cast<int>(bytes));
         contentHash.add(buffer.get(), bytes);
         done += bytes;
+        if (done > file.size() + maxBytesBehindTheEnd) {
+            return checksum;
+        }
     }
     // A file that has been cut short since it was opened has no key.
     if (done >= file.size()) {

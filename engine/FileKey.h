@@ -42,7 +42,8 @@ Checksum ofContent(const QString &path, const ScanProfile &profile, const GoOn &
 /** The CRC-32 of the content as a decimal number; "0" also for a file that cannot be read. */
 QString ofCrc(const QString &path);
 /**
- * Base64 of the hash of the content; null for a file that cannot be read to its end. Both end early
+ * Base64 of the hash of the content; null for a file that cannot be read to its end, also because it
+ * grows by more than 64 MiB meanwhile. Both end early
  * when the thread is asked to interrupt its work.
  */
 QString ofHash(const QString &path, QCryptographicHash::Algorithm algorithm);

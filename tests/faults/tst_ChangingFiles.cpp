@@ -31,6 +31,8 @@ private slots:
     void fileThatWasEmptyIsNoTwinOfAnEmptyOne();
     void contentBehindTheAnnouncedEnd_data();
     void contentBehindTheAnnouncedEnd();
+    void fileThatGrowsForEver_data();
+    void fileThatGrowsForEver();
 };
 
 namespace
@@ -302,6 +304,36 @@ void tst_ChangingFiles::contentBehindTheAnnouncedEnd()
     Scan::run({tree.root()}, Scan::profile(static_cast<Scan::Mode>(mode)));
     FaultShim::setHook(nullptr, nullptr);
     QCOMPARE(grown.size(), count);
+    QCOMPARE(ScanFindings::instance()->exactGroups.size(), 0);
+}
+
+void tst_ChangingFiles::fileThatGrowsForEver_data()
+{
+    Scan::addModes();
+}
+
+void tst_ChangingFiles::fileThatGrowsForEver()
+{
+    // A file that is longer at each look is not read for ever, and is no twin of any other.
+    QFETCH(int, mode);
+    const TempTree tree(path(QStringLiteral("tree")));
+    tree.file(QStringLiteral("1.bin"), content(wholeBytes));
+    tree.file(QStringLiteral("2.bin"), content(wholeBytes));
+    Background::fixThreadCount(1);
+    const auto freeThreads = qScopeGuard([] { Background::fixThreadCount(0); });
+    FaultShim::watch(QFile::encodeName(tree.root()).constData());
+    FaultShim::setHook(
+        [](FaultShim::Kind kind, const char *file, long, void *) {
+            struct stat status = {};
+            if (kind == FaultShim::Read && ::stat(file, &status) == 0
+                && ::truncate(file, status.st_size + 16 * wholeBytes) != 0) {
+                qFatal("cannot grow %s", file);
+            }
+        },
+        nullptr);
+    Scan::run({tree.root()}, Scan::profile(static_cast<Scan::Mode>(mode)));
+    FaultShim::setHook(nullptr, nullptr);
+    QVERIFY(QFileInfo(tree.path(QStringLiteral("1.bin"))).size() > wholeBytes);
     QCOMPARE(ScanFindings::instance()->exactGroups.size(), 0);
 }
 

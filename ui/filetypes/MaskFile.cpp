@@ -66,6 +66,17 @@ bool isListOfTypes(const QByteArray &content)
            });
 }
 
+// Entries that were left out when the list was read would be gone for good.
+bool isReadWhole(const QByteArray &content)
+{
+    const QList<QByteArray> lines = content.split('\n');
+    const int ends = content.endsWith('\n') ? 1 : 0;
+    return content.size() <= MaskFile::maxFileBytes && lines.size() - ends <= MaskFile::maxEntries
+        && std::all_of(lines.cbegin(), lines.cend(), [](const QByteArray &line) {
+               return line.size() < MaskFile::maxLineBytes;
+           });
+}
+
 bool isReadFromHere()
 {
     return QFileInfo(fileName()).absolutePath() == QFileInfo(dataFolder()).canonicalFilePath();
@@ -89,7 +100,8 @@ Place placeFor(const QByteArray &content)
     if (old == content) {
         return Place::UpToDate;
     }
-    return isReadFromHere() || isListOfTypes(old) ? Place::Replaceable : Place::Forbidden;
+    return isReadWhole(old) && (isReadFromHere() || isListOfTypes(old)) ? Place::Replaceable
+                                                                        : Place::Forbidden;
 }
 } // namespace
 

@@ -45,7 +45,8 @@ QStringList entries(const QByteArray &content);
  * what was there before still is.
  *
  * Replaced is only what is known as a list of types: the file that entries are read from, and one
- * in which every line that is not blank has a bar. A link is neither followed nor replaced.
+ * in which every line that is not blank has a bar; neither where it goes beyond the bounds of a
+ * reading. A link is neither followed nor replaced.
  */
 bool save(const QStringList &entries);
 } // namespace MaskFile

@@ -58,6 +58,8 @@ private slots:
     void saveReplacesListsOfTypesOnly_data();
     void saveReplacesListsOfTypesOnly();
     void saveReplacesTheFileThatIsRead();
+    void saveReplacesOnlyWhatIsReadWhole_data();
+    void saveReplacesOnlyWhatIsReadWhole();
     void saveLeavesLinksAlone_data();
     void saveLeavesLinksAlone();
     void savedListIsNotWrittenAgain();
@@ -328,6 +330,36 @@ void tst_MaskFile::saveReplacesTheFileThatIsRead()
     allowMessages(QRegularExpression(QStringLiteral("^write ")));
     QVERIFY(MaskFile::save({QStringLiteral("Lonely\n")}));
     QCOMPARE(TempTree::read(MaskFile::readingPath()), QByteArray("Lonely\n\r\n"));
+}
+
+void tst_MaskFile::saveReplacesOnlyWhatIsReadWhole_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<bool>("isReplaced");
+    const QByteArray line = "A|*.x\r\n";
+    const QByteArray longest = QByteArray(MaskFile::maxLineBytes - 2, '|') + "\n";
+    QTest::newRow("as many entries as are read") << line.repeated(MaskFile::maxEntries) << true;
+    QTest::newRow("one more") << line.repeated(MaskFile::maxEntries) + line << false;
+    QTest::newRow("one more, without an end")
+        << line.repeated(MaskFile::maxEntries) + "A|" << false;
+    QTest::newRow("as long a line as is read") << longest << true;
+    QTest::newRow("a longer one") << "||" + longest << false;
+    QTest::newRow("more bytes than are read")
+        << longest.repeated(MaskFile::maxFileBytes / longest.size() + 1) << false;
+}
+
+void tst_MaskFile::saveReplacesOnlyWhatIsReadWhole()
+{
+    // What a reading leaves out of a list is not lost with the next change of it.
+    QFETCH(const QByteArray, content);
+    QFETCH(const bool, isReplaced);
+    const TempTree data(QFileInfo(MaskFile::readingPath()).path());
+    data.file(fileName(), content);
+    QVERIFY(QDir::setCurrent(data.root()));
+    allowMessages(QRegularExpression(QStringLiteral("^write ")));
+    QCOMPARE(MaskFile::save({QStringLiteral("New|*.n")}), isReplaced);
+    QCOMPARE(TempTree::read(MaskFile::readingPath()),
+             isReplaced ? QByteArray("New|*.n\r\n") : content);
 }
 
 void tst_MaskFile::saveLeavesLinksAlone_data()
