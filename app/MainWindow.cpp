@@ -107,13 +107,16 @@ MainWindow::~MainWindow()
 {
     // Leaving the process while the worker runs toolkit code crashes it, and so does a QThread that
     // is deleted before it has finished. So the scan ends first, and then the thread; what is left
-    // to the chain of deletions is an idle pair.
+    // to the chain of deletions is an idle pair. Nobody needs to look on.
+    hide();
     engineThread->requestInterruption();
     engineThread->quit();
     if (!engineThread->wait(maxMillisecondsOfLeaving)
         || !Background::waitForDone(maxMillisecondsOfLeaving)) {
         // A thread waits for a file that nobody answers for, perhaps for ever, and nothing is left
-        // to be written: the user's actions on files are done before they return.
+        // to be written: the user's actions on files are done before they return. Where even the
+        // system cannot end the thread, the window must have gone from the screen by itself.
+        QGuiApplication::sync();
         std::_Exit(EXIT_SUCCESS);
     }
 }
