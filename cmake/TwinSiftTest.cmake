@@ -51,7 +51,8 @@ function(twinsift_add_memcheck name)
     if(NOT VALGRIND)
         add_test(NAME Memcheck${name}
             COMMAND ${CMAKE_COMMAND} -E echo "SKIP: valgrind is not installed")
-        set_tests_properties(Memcheck${name} PROPERTIES SKIP_REGULAR_EXPRESSION "^SKIP")
+        set_tests_properties(Memcheck${name} PROPERTIES
+            LABELS once SKIP_REGULAR_EXPRESSION "^SKIP")
         return()
     endif()
     add_test(NAME Memcheck${name}
@@ -61,6 +62,7 @@ function(twinsift_add_memcheck name)
                 $<TARGET_FILE:tst_${name}> ${ARGN})
     # The compiled patterns of the regular expressions read beyond what they use.
     set_tests_properties(Memcheck${name} PROPERTIES
+        LABELS once
         TIMEOUT 900
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_ENABLE_REGEXP_JIT=0;${twinsift_test_environment}")
 endfunction()
