@@ -180,4 +180,5 @@ installed $needed $screen qt6-base-dev
 offered valgrind libqt6svg6
 on_it ./check
 said_line "-- installing valgrind libqt6svg6"
+called "apt-get install -o DPkg::Lock::Timeout=300 -y --no-install-recommends valgrind libqt6svg6 (0, noninteractive)"
 said_line "package qt6-image-formats-plugins: this system offers none"

@@ -62,6 +62,7 @@ row "no sudo at all"
 bare
 DISPLAY=:0 on_it ./run
 ended_badly
+said "somebody may not install packages, and sudo is not installed. As root"
 said_line "$line"
 never_called 'apt-get|cmake'
 
@@ -69,6 +70,7 @@ row "no sudo, but a terminal"
 bare
 at_a_terminal "" ./run
 ended_badly
+said "sudo is not installed"
 said_line "$line"
 
 row "sudo asks at a terminal, once"
@@ -105,19 +107,22 @@ said "not in the sudoers file"
 said_line "$line"
 never_called 'apt-get|cmake'
 
-row "a build folder of somebody else's"
+row "a part of the build folder that root has left"
 bare
 # shellcheck disable=SC2086
 installed $needed
 mkdir -p "$FAKE/tree/build/release"
 chmod 555 "$FAKE/tree/build/release"
+user=
 if [ "$(id -u)" -eq 0 ]; then
-    # Nothing is closed to root. What root has left belongs to it, and may be read by all.
-    user=$(command -v setpriv) || { echo "SKIPPED: setpriv is not installed"; exit 77; }
-    chmod -R a+rX,u+w "$scratch"
+    # Nothing is closed to root, so somebody else has to try.
+    user=$(command -v setpriv) || {
+        echo "SKIPPED: setpriv is not installed, which makes root another user"
+        exit 77
+    }
     user="$user --reuid=65534 --regid=65534 --clear-groups"
-else
-    user=
+    chmod 755 "$scratch"
+    chown -R 65534 "$FAKE"
 fi
 status=0
 # shellcheck disable=SC2086
@@ -125,5 +130,5 @@ status=0
     status=$?
 chmod 755 "$FAKE/tree/build/release"
 ended_badly
-said "$FAKE/tree/build"
-said "cannot be written"
+said "$FAKE/tree/build/release cannot be written"
+never_called cmake

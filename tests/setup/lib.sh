@@ -5,7 +5,7 @@
 # shellcheck shell=bash
 set -eu -o pipefail
 export LC_ALL=C.UTF-8
-unset DISPLAY WAYLAND_DISPLAY TWINSIFT_QT
+unset DEBIAN_FRONTEND DISPLAY WAYLAND_DISPLAY TWINSIFT_QT
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
