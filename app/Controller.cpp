@@ -111,3 +111,5 @@ void Controller::onReplyFinished(QNetworkReply *reply)
         deliver(GetUpdateVersionEvent(answer->version, answer->build, answer->url));
     }
 }
+
+#include "moc_Controller.cpp"

@@ -21,3 +21,5 @@ void Model::countingFilesInFolderChanged(int size, const QString &folder)
 {
     emitModelEvent(CountingFilesInFolderEvent(size, folder));
 }
+
+#include "moc_Model.cpp"

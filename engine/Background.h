@@ -6,13 +6,16 @@
 #include <QRunnable>
 #include <QThreadPool>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 /**
  * The threads that read ahead of a scan, one pool for the process.
@@ -32,16 +35,23 @@ bool waitForDone(int milliseconds);
 } // namespace Background
 
 /**
- * The result of a function that runs on another thread.
+ * What a function tells that runs on another thread, in the order in which it tells.
  *
- * When it is destroyed before the function has ended, the function is told not to go on, and its
- * result is thrown away. The function must own all that it uses. To be used on one thread.
+ * When it is destroyed before the function has ended, the function is told not to go on, and what it
+ * tells is thrown away. The function must own all that it uses. To be used on one thread.
  */
 template<typename Result>
 class Pending final
 {
 public:
-    using Function = std::function<Result(const GoOn &goOn)>;
+    using Tell = std::function<void(Result &&result)>;
+    using Function = std::function<void(const Tell &tell, const GoOn &goOn)>;
+
+    enum class Outcome {
+        Denied, // to wait
+        Some, // there may be more
+        Last // it has ended; also with no result
+    };
 
     /** Of those that wait for a thread, the one of the highest priority runs first. */
     explicit Pending(Function function, int priority = 0)
@@ -50,7 +60,7 @@ public:
         Background::pool()->start(new Task(state, std::move(function)), priority);
     }
     Pending(Pending &&other) noexcept = default;
-    Pending &operator=(Pending &&other) = delete;
+    Pending &operator=(Pending &&other) noexcept = default;
     ~Pending()
     {
         if (state) {
@@ -58,23 +68,28 @@ public:
         }
     }
 
-    /** Asks now and then whether to wait on; false when that was denied. To be called once. */
-    bool wait(Result *result, const GoOn &goOn)
+    /**
+     * Appends what has been told since, at least one result unless there are no more. Asks now and
+     * then whether to wait on. Not to be called again after the last.
+     */
+    Outcome take(std::vector<Result> *results, const GoOn &goOn)
     {
         std::unique_lock<std::mutex> lock(state->mutex);
-        while (!state->isDone) {
+        while (state->results.empty() && !state->isDone) {
+            // Woken at the end alone: to be woken for each result may cost more than the result.
             state->done.wait_for(lock, std::chrono::milliseconds(millisecondsBetweenQuestions));
-            if (state->isDone) {
+            if (!state->results.empty() || state->isDone) {
                 break;
             }
             lock.unlock();
             if (!goOn()) {
-                return false;
+                return Outcome::Denied;
             }
             lock.lock();
         }
-        *result = std::move(state->result);
-        return true;
+        std::move(state->results.begin(), state->results.end(), std::back_inserter(*results));
+        state->results.clear();
+        return state->isDone ? Outcome::Last : Outcome::Some;
     }
 
 private:
@@ -84,7 +99,7 @@ private:
         std::mutex mutex;
         std::condition_variable done;
         bool isDone = false;
-        Result result;
+        std::vector<Result> results;
         std::atomic<bool> isGivenUp = {false};
     };
 
@@ -105,11 +120,15 @@ private:
             if (!goOn()) {
                 return;
             }
-            Result result = function(goOn);
+            function(
+                [this](Result &&result) {
+                    const std::lock_guard<std::mutex> lock(state->mutex);
+                    state->results.push_back(std::move(result));
+                },
+                goOn);
             // What the function owns is released here, not by whoever waits.
             function = nullptr;
             const std::lock_guard<std::mutex> lock(state->mutex);
-            state->result = std::move(result);
             state->isDone = true;
             state->done.notify_one();
         }

@@ -7,6 +7,7 @@
 #include "engine/FileKey.h"
 #include "engine/ScanProgress.h"
 
+#include <algorithm>
 #include <iterator>
 #include <map>
 #include <utility>
@@ -14,8 +15,25 @@
 
 namespace
 {
-// Files of small buckets stay open behind their heads: so many at most, of which the readers hold 96.
-constexpr ReadAhead<FileHead>::Bounds headBounds = {8, 12, 16};
+// Files of small buckets stay open behind their heads: so many at most, of which the readers hold 128.
+constexpr ReadAhead<FileHead>::Bounds headBounds = {16, 8, 16};
+
+bool areOfOneSize(const std::vector<ContentClasses::File> &files)
+{
+    return std::all_of(files.begin(), files.end(), [&](const ContentClasses::File &file) {
+        return file.size == files.front().size;
+    });
+}
+
+// No pair of them has anything to tell, as in most buckets.
+bool areAllDifferent(const std::vector<ContentClasses::File> &files)
+{
+    int index = 0;
+    return areOfOneSize(files)
+        && std::all_of(files.begin(), files.end(), [&index](const ContentClasses::File &file) {
+               return file.isReadable && file.first == index++;
+           });
+}
 } // namespace
 
 struct ByteGrouping::Bucket {
@@ -167,6 +185,9 @@ bool ByteGrouping::confirm(const Bucket &bucket)
     }
     tellSkipped(bucket, classes);
     keepExactGroups(bucket, classes);
+    if (areAllDifferent(classes.files())) {
+        return events.goOn();
+    }
     BucketPairs pairs(classes.files());
     if (!addLonger(bucket, classes, &pairs)) {
         return false;
@@ -214,6 +235,9 @@ bool ByteGrouping::addLonger(const Bucket &bucket,
                              const ContentClasses &classes,
                              BucketPairs *pairs)
 {
+    if (areOfOneSize(classes.files())) {
+        return true;
+    }
     std::map<qint64, QVector<int>> bySize;
     for (int i = 0; i < bucket.paths.size(); ++i) {
         const ContentClasses::File &file = classes.files()[static_cast<std::size_t>(i)];

@@ -6,3 +6,5 @@ Configuration *Configuration::instance()
     static auto *const configuration = new Configuration;
     return configuration;
 }
+
+#include "moc_Configuration.cpp"

@@ -83,6 +83,7 @@ void FileFinderEngine::stopFinder()
 void FileFinderEngine::runScan()
 {
     resetCounters();
+    linkEntries = FolderWalk::LinkEntries();
     files = Grouping::Files();
     result = Grouping::Result();
     skipped.clear();
@@ -130,7 +131,8 @@ QFileInfoList FileFinderEngine::getFiles(const QStringList &includeMasks,
                     excludeMasks,
                     Configuration::instance()->scanProfile,
                     Configuration::instance()->walkOptions,
-                    walkEvents());
+                    walkEvents(),
+                    &linkEntries);
     const QStringList names = walk.walk(folder);
     QFileInfoList found;
     const QDir dir(folder);
@@ -219,13 +221,13 @@ Grouping::Events FileFinderEngine::groupingEvents()
     return events;
 }
 
-void FileFinderEngine::publish(const QList<QStringList> &groups) const
+void FileFinderEngine::publish(const QList<QStringList> &groups)
 {
     const ScanProfile profile = Configuration::instance()->scanProfile;
     ScanFindings *const findings = ScanFindings::instance();
     findings->groups = groups;
     findings->exactGroups = result.exactGroups.inOrder();
-    findings->skipped = skipped;
+    findings->skipped = std::move(skipped);
     findings->areContentsProven = !(profile.advancedMatch && profile.crcHash);
 }
 
@@ -281,3 +283,5 @@ bool FileFinderEngine::whileReading()
         ? !stopRequested
         : letEventsIn();
 }
+
+#include "moc_FileFinderEngine.cpp"

@@ -99,7 +99,7 @@ private:
     void runScan();
     FolderWalk::Events walkEvents();
     Grouping::Events groupingEvents();
-    void publish(const QList<QStringList> &groups) const;
+    void publish(const QList<QStringList> &groups);
     QList<QStringList> groupsOfSeveral() const;
     void resetCounters();
     bool letEventsIn();
@@ -111,6 +111,7 @@ private:
     bool isScanning = false;
     bool isRestartRequested = false;
     QElapsedTimer lastEventPass;
+    FolderWalk::LinkEntries linkEntries;
     Grouping::Files files;
     Grouping::Result result;
     QVector<SkippedPath> skipped;

@@ -12,8 +12,9 @@
 namespace
 {
 // Of one folder, and of all that are being walked: a listing may hold many names.
-constexpr int maxListingsAheadInFolder = 8;
-constexpr int maxListingsAhead = 32;
+constexpr int maxBranchesAheadInFolder = 8;
+constexpr int maxBranchesAhead = 32;
+constexpr int maxFoldersOfBranch = 16;
 // Far more than links that somebody made, and few enough for links that multiply.
 constexpr int maxEntriesByLink = 1000;
 
@@ -48,20 +49,24 @@ struct FolderWalk::Frame {
     bool isPseudo = false;
     QString canonical; // once it was asked for
     int next = 0; // subfolder
+    Branch branch; // the first of them are listed in it
+    int listedInBranch = 0;
     int nextAhead = 0;
-    std::deque<std::pair<int, Listing>> ahead; // by subfolder
+    std::deque<std::pair<int, Branch>> ahead; // by subfolder
 };
 
 FolderWalk::FolderWalk(const QStringList &includeMasks,
                        const QStringList &excludeMasks,
                        const ScanProfile &scanProfile,
                        const WalkOptions &walkOptions,
-                       Events walkEvents)
+                       Events walkEvents,
+                       LinkEntries *scanLinkEntries)
     : masks(includeMasks)
     , excluded(excludeMasks)
     , profile(scanProfile)
     , options(walkOptions)
     , events(std::move(walkEvents))
+    , linkEntries(scanLinkEntries)
 {
 }
 
@@ -74,17 +79,18 @@ QStringList FolderWalk::walk(const QString &folder)
         walkSubfolders();
     }
     frames.clear();
-    listingsAhead = 0;
+    branchesAhead = 0;
     return topNames;
 }
 
 // False when the listing was not waited for.
-bool FolderWalk::enter(const QString &folder, Listing listing, bool isTop)
+bool FolderWalk::enter(const QString &folder, const Branch &branch, bool isTop)
 {
-    FolderListing::Entries entries;
-    if (!listing.wait(&entries, events.whileListing)) {
+    FolderBranch::Listed listed;
+    if (!branch->take(&listed, events.whileListing)) {
         return false;
     }
+    FolderListing::Entries &entries = listed.entries;
     const bool isPseudo = entries.fileSystem == FileSystemKind::Pseudo;
     if (!isTop && isPseudo && !frames.back()->isPseudo) {
         return true;
@@ -94,6 +100,9 @@ bool FolderWalk::enter(const QString &folder, Listing listing, bool isTop)
     frame->prefix = withSlash(QDir(folder).absolutePath());
     frame->subfolders = std::move(entries.folders);
     frame->isPseudo = isPseudo;
+    frame->branch = branch;
+    frame->listedInBranch = listed.listedSubfolders;
+    frame->nextAhead = listed.listedSubfolders;
     tellSkipped(frame->prefix, entries);
     for (const FolderListing::File &file : qAsConst(entries.files)) {
         if (isTaken(file)) {
@@ -107,39 +116,43 @@ bool FolderWalk::enter(const QString &folder, Listing listing, bool isTop)
     return true;
 }
 
-FolderWalk::Listing FolderWalk::listAhead(const QString &folder, int depth) const
+FolderWalk::Branch FolderWalk::listAhead(const QString &folder, int depth) const
 {
+    // A folder of another file system, which is not entered, may never answer.
+    const int maxFolders = options.staysOnFileSystem ? 1 : maxFoldersOfBranch;
     // The folder that is walked into first is the one that is waited for first.
-    return Listing(
-        [folder, takenMasks = masks, takesHidden = options.takesHidden](const GoOn &goOn) {
-            return FolderListing::list(folder, takenMasks, goOn, takesHidden);
-        },
-        depth);
+    FolderBranch::Options branchOptions = {masks, options.takesHidden, maxFolders};
+    return std::make_shared<FolderBranch>(folder, branchOptions, depth);
 }
 
-FolderWalk::Listing FolderWalk::takeListing(Frame *frame, const QString &folder)
+// Of the one that was gone on to last.
+FolderWalk::Branch FolderWalk::branchOf(Frame *frame, const FolderListing::Folder &subfolder)
 {
-    if (!frame->ahead.empty() && frame->ahead.front().first == frame->next - 1) {
-        Listing listing = std::move(frame->ahead.front().second);
-        frame->ahead.pop_front();
-        --listingsAhead;
-        return listing;
+    const int index = frame->next - 1;
+    if (index < frame->listedInBranch && !subfolder.isLink) {
+        return frame->branch;
     }
-    return listAhead(folder, static_cast<int>(frames.size()));
+    if (!frame->ahead.empty() && frame->ahead.front().first == index) {
+        const Branch branch = frame->ahead.front().second;
+        frame->ahead.pop_front();
+        --branchesAhead;
+        return branch;
+    }
+    return listAhead(frame->prefix + subfolder.name, static_cast<int>(frames.size()));
 }
 
 // Links may lead to where nobody wants to go, and are listed when they are entered.
 void FolderWalk::listSubfoldersAhead(Frame *frame)
 {
     frame->nextAhead = std::max(frame->nextAhead, frame->next);
-    while (frame->nextAhead < frame->subfolders.size() && listingsAhead < maxListingsAhead
-           && frame->ahead.size() < maxListingsAheadInFolder) {
+    while (frame->nextAhead < frame->subfolders.size() && branchesAhead < maxBranchesAhead
+           && frame->ahead.size() < maxBranchesAheadInFolder) {
         const FolderListing::Folder &subfolder = frame->subfolders.at(frame->nextAhead);
         if (!subfolder.isLink) {
             frame->ahead.emplace_back(
                 frame->nextAhead,
                 listAhead(frame->prefix + subfolder.name, static_cast<int>(frames.size())));
-            ++listingsAhead;
+            ++branchesAhead;
         }
         ++frame->nextAhead;
     }
@@ -165,7 +178,7 @@ void FolderWalk::walkSubfolders()
         if (!mayEnter(path, subfolder)) {
             continue;
         }
-        if (events.isLeaving() || !enter(path, takeListing(&frame, path), false)) {
+        if (events.isLeaving() || !enter(path, branchOf(&frame, subfolder), false)) {
             return;
         }
     }
@@ -186,11 +199,11 @@ bool FolderWalk::mayEnter(const QString &path, const FolderListing::Folder &fold
     if (isBeingWalked(canonical)) {
         return false;
     }
-    if (entriesByLink[canonical]++ < maxEntriesByLink) {
+    if (linkEntries->byFolder[canonical]++ < maxEntriesByLink) {
         return true;
     }
-    if (!isBoundReported) {
-        isBoundReported = true;
+    if (!linkEntries->isBoundReported) {
+        linkEntries->isBoundReported = true;
         qDebug().noquote() << QStringLiteral("Too many links lead to the folder:") << canonical;
     }
     return false;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "engine/Background.h"
 #include "engine/FileMasks.h"
+#include "engine/FolderBranch.h"
 #include "engine/FolderListing.h"
 #include "engine/GoOn.h"
 #include "engine/ScanProfile.h"
@@ -21,7 +21,7 @@
  * Walks folders with all below them, in the order of FolderListing, and tells which files a scan takes.
  *
  * Links to folders are followed, but not back up to a folder that is being walked, and no folder is
- * entered through links more than a thousand times in a walk. File systems that show the system itself
+ * entered through links more than a thousand times in a scan. File systems that show the system itself
  * are not entered from another one. Folders that come next are listed ahead on other threads. Everything
  * is told on the thread that walks.
  */
@@ -42,12 +42,19 @@ public:
         std::function<void(const QByteArray &path, const QString &reason)> skipped;
     };
 
-    /** Takes the size limits of the profile; the masks are given by themselves. */
+    /** How often folders were entered through links, in all walks of a scan. */
+    struct LinkEntries {
+        QHash<QString, int> byFolder; // the path without links
+        bool isBoundReported = false;
+    };
+
+    /** Takes the size limits of the profile; the masks are given by themselves. Counts in linkEntries. */
     FolderWalk(const QStringList &includeMasks,
                const QStringList &excludeMasks,
                const ScanProfile &scanProfile,
                const WalkOptions &walkOptions,
-               Events walkEvents);
+               Events walkEvents,
+               LinkEntries *linkEntries);
     ~FolderWalk();
 
     FolderWalk(const FolderWalk &) = delete;
@@ -57,12 +64,12 @@ public:
     QStringList walk(const QString &folder);
 
 private:
-    using Listing = Pending<FolderListing::Entries>;
+    using Branch = std::shared_ptr<FolderBranch>;
     struct Frame;
 
-    bool enter(const QString &folder, Listing listing, bool isTop);
-    Listing listAhead(const QString &folder, int depth) const;
-    Listing takeListing(Frame *frame, const QString &folder);
+    bool enter(const QString &folder, const Branch &branch, bool isTop);
+    Branch listAhead(const QString &folder, int depth) const;
+    Branch branchOf(Frame *frame, const FolderListing::Folder &subfolder);
     void listSubfoldersAhead(Frame *frame);
     void walkSubfolders();
     bool mayEnter(const QString &path, const FolderListing::Folder &folder);
@@ -77,8 +84,7 @@ private:
     Events events;
     std::vector<std::unique_ptr<Frame>>
         frames; // the folder that is being walked, under those above it
-    int listingsAhead = 0;
-    QHash<QString, int> entriesByLink;
-    bool isBoundReported = false;
+    int branchesAhead = 0;
+    LinkEntries *linkEntries;
     QStringList topNames;
 };

@@ -43,43 +43,55 @@ public:
             *fact = fetch(started++, goOn);
             return goOn();
         }
-        if (taken == ready.size()) {
-            fill();
-            if (!pending.front().wait(&ready, goOn)) {
-                return false;
-            }
-            pending.pop_front();
-            fill();
-            taken = 0;
+        if (taken == ready.size() && !takeReady(goOn)) {
+            return false;
         }
         *fact = std::move(ready[taken++]);
         return true;
     }
 
 private:
-    using Batch = std::vector<Fact>;
+    bool takeReady(const GoOn &goOn)
+    {
+        ready.clear();
+        taken = 0;
+        while (ready.empty()) {
+            fill();
+            switch (pending.front().take(&ready, goOn)) {
+            case Batch::Outcome::Denied:
+                return false;
+            case Batch::Outcome::Last:
+                pending.pop_front();
+                fill();
+                break;
+            case Batch::Outcome::Some:
+                break;
+            }
+        }
+        return true;
+    }
 
     void fill()
     {
         while (started < count && pending.size() < static_cast<std::size_t>(bounds.batches)) {
             const int first = started;
             started = std::min(count, first + bounds.batch);
-            pending.emplace_back([function = fetch, first, end = started](const GoOn &goOn) {
-                Batch batch;
-                batch.reserve(static_cast<std::size_t>(end - first));
-                for (int item = first; item < end && goOn(); ++item) {
-                    batch.push_back(function(item, goOn));
-                }
-                return batch;
-            });
+            pending.emplace_back(
+                [function = fetch, first, end = started](const auto &tell, const GoOn &goOn) {
+                    for (int item = first; item < end && goOn(); ++item) {
+                        tell(function(item, goOn));
+                    }
+                });
         }
     }
+
+    using Batch = Pending<Fact>;
 
     int count;
     Bounds bounds;
     Fetch fetch;
     int started = 0;
-    std::deque<Pending<Batch>> pending;
-    Batch ready;
+    std::deque<Batch> pending;
+    std::vector<Fact> ready;
     std::size_t taken = 0;
 };

@@ -38,6 +38,7 @@ private slots:
     void hiddenEntries();
     void links();
     void ringOfLinks();
+    void manyLinksToAFolder();
     void otherThings();
     void unreadableFolder();
     void missingFolder();
@@ -431,6 +432,27 @@ void tst_FileFinderEngine::ringOfLinks()
     QVERIFY(!found().filter(QStringLiteral("way/a")).isEmpty());
     QVERIFY(found().filter(QStringLiteral("way/self")).isEmpty());
     QVERIFY(found().filter(QStringLiteral("way/sub/up")).isEmpty());
+}
+
+void tst_FileFinderEngine::manyLinksToAFolder()
+{
+    // A folder is entered through links a thousand times in a scan, whichever chosen folder holds
+    // them, and as often in the next one.
+    file("outside/a");
+    for (int i = 0; i < 600; ++i) {
+        tree->link(QStringLiteral("first/%1").arg(i), tree->path(QStringLiteral("outside")));
+        tree->link(QStringLiteral("second/%1").arg(i), tree->path(QStringLiteral("outside")));
+    }
+    const QStringList folders = {tree->path(QStringLiteral("first")),
+                                 tree->path(QStringLiteral("second"))};
+    for (int scan = 0; scan < 2; ++scan) {
+        expectMessage(
+            QtDebugMsg,
+            QStringLiteral("Too many links lead to the folder: %1")
+                .arg(QFileInfo(tree->path(QStringLiteral("outside"))).canonicalFilePath()));
+        rig->scan(folders);
+        QCOMPARE(rig->engine()->foundFiles().size(), 1000);
+    }
 }
 
 void tst_FileFinderEngine::otherThings()

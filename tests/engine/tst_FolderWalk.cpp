@@ -32,6 +32,7 @@ private:
 
     std::unique_ptr<TempTree> tree;
     QStringList record;
+    FolderWalk::LinkEntries linkEntries;
 };
 
 namespace
@@ -78,6 +79,7 @@ void tst_FolderWalk::init()
     TestCase::init();
     tree = std::make_unique<TempTree>(path(QStringLiteral("tree")));
     record.clear();
+    linkEntries = FolderWalk::LinkEntries();
 }
 
 void tst_FolderWalk::cleanup()
@@ -133,7 +135,8 @@ void tst_FolderWalk::walkIsThatOfTheToolkit()
     QStringList plain;
     walkPlainly(tree->root(), {}, &plain);
     QVERIFY(plain.size() > 100);
-    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents()).walk(tree->root());
+    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents(), &linkEntries)
+        .walk(tree->root());
     QCOMPARE(record, plain);
 }
 
@@ -150,7 +153,8 @@ void tst_FolderWalk::sizesAreTold()
     events.fileFound = [this](const QString &path, qint64 size) {
         record.append(QStringLiteral("%1 %2").arg(QFileInfo(path).fileName()).arg(size));
     };
-    const QStringList names = FolderWalk({}, {}, profile, WalkOptions(), events).walk(tree->root());
+    const QStringList names =
+        FolderWalk({}, {}, profile, WalkOptions(), events, &linkEntries).walk(tree->root());
     QCOMPARE(names, QStringList({QStringLiteral("a"), QStringLiteral("b")}));
     QCOMPARE(record.filter(QRegularExpression(QStringLiteral("^[abc] "))),
              QStringList({QStringLiteral("a 3000"), QStringLiteral("c 2000")}));
@@ -165,7 +169,8 @@ void tst_FolderWalk::systemIsNotEntered()
     }
     tree->file(QStringLiteral("file"));
     tree->link(QStringLiteral("system"), QStringLiteral("/proc/sys/kernel/random"));
-    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents()).walk(tree->root());
+    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents(), &linkEntries)
+        .walk(tree->root());
     QCOMPARE(
         record,
         QStringList({tree->path(QStringLiteral("file")), QStringLiteral("done ") + tree->root()}));
@@ -178,7 +183,7 @@ void tst_FolderWalk::chosenSystemFolderIsWalked()
     if (!QFileInfo::exists(chosen + QStringLiteral("/random/uuid"))) {
         QSKIP("There is no /proc/sys/kernel/random/uuid here.");
     }
-    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents()).walk(chosen);
+    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents(), &linkEntries).walk(chosen);
     QVERIFY(record.contains(chosen + QStringLiteral("/random/uuid")));
     QCOMPARE(record.last(), QStringLiteral("done ") + chosen);
 }
@@ -196,7 +201,7 @@ void tst_FolderWalk::linksThatMultiply()
     expectMessage(QtDebugMsg,
                   QStringLiteral("Too many links lead to the folder: %1")
                       .arg(QFileInfo(tree->path(QString::number(levels))).canonicalFilePath()));
-    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents())
+    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents(), &linkEntries)
         .walk(tree->path(QStringLiteral("0")));
     // Two ways to the first, four to the second, and so on until the bound is reached.
     QCOMPARE(record.filter(QStringLiteral("/file")).size(), 1000);
@@ -205,6 +210,11 @@ void tst_FolderWalk::linksThatMultiply()
         ways += qMin(1 << level, 1000);
     }
     QCOMPARE(record.filter(QStringLiteral("done ")).size(), ways);
+    // Another walk of the scan enters none of those again, and says nothing.
+    record.clear();
+    FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents(), &linkEntries)
+        .walk(tree->path(QString::number(levels - 1)));
+    QCOMPARE(record.filter(QStringLiteral("/file")).size(), 0);
 }
 
 void tst_FolderWalk::deepFoldersOnASmallStack()
@@ -217,7 +227,8 @@ void tst_FolderWalk::deepFoldersOnASmallStack()
     }
     tree->file(deep + QStringLiteral("file"));
     SmallThread thread(128 * 1024, [this] {
-        FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents()).walk(tree->root());
+        FolderWalk({}, {}, ScanProfile(), WalkOptions(), recordingEvents(), &linkEntries)
+            .walk(tree->root());
     });
     thread.start();
     QVERIFY(thread.wait(60000));
@@ -234,7 +245,7 @@ void tst_FolderWalk::endsWhenItIsLeft()
     events.isLeaving = [this] {
         return record.size() >= 2;
     };
-    FolderWalk({}, {}, ScanProfile(), WalkOptions(), events).walk(tree->root());
+    FolderWalk({}, {}, ScanProfile(), WalkOptions(), events, &linkEntries).walk(tree->root());
     QCOMPARE(record,
              QStringList({tree->path(QStringLiteral("a/1")),
                           QStringLiteral("done ") + tree->path(QStringLiteral("a"))}));
