@@ -1,8 +1,7 @@
 # SPDX-License-Identifier: MIT
 # The target static-analysis: clang-format and cppcheck look at all sources, clang-tidy at those of the
 # program and its tools. The tests and the benchmarks are left to cppcheck, because clang-tidy takes
-# minutes more for them. What clang-tidy looks at includes no generated source, so nothing has to be
-# built before.
+# minutes more for them. The preset has to be built before: a source includes what is generated.
 add_custom_target(static-analysis
     COMMAND ${CMAKE_SOURCE_DIR}/cmake/analyse.sh ${CMAKE_BINARY_DIR}
     WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}

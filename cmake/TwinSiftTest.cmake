@@ -3,7 +3,8 @@
 # twinsift_add_test(<Class> [SOURCES more.cpp ...] [LIBRARIES more ...]
 #                   [X11] [ARGUMENTS ...] [TIMEOUT seconds])
 # Builds tst_<Class>.cpp of the current folder and registers it as <Class>. A test runs without a
-# screen; with X11 it runs in a real window on a virtual X server instead.
+# screen; with X11 it runs in a real window on a virtual X server instead, or skips itself where there
+# is none.
 function(twinsift_add_test name)
     cmake_parse_arguments(arg "X11" "TIMEOUT" "SOURCES;LIBRARIES;ARGUMENTS" ${ARGN})
     if(NOT arg_TIMEOUT)
@@ -27,6 +28,7 @@ function(twinsift_register_test name target timeout x11 arguments)
         add_test(NAME ${name}
             COMMAND ${CMAKE_SOURCE_DIR}/tests/support/with-screen $<TARGET_FILE:${target}>
                     ${arguments})
+        set_tests_properties(${name} PROPERTIES SKIP_REGULAR_EXPRESSION "^SKIP: ")
         set(platform QT_QPA_PLATFORM=xcb)
     else()
         add_test(NAME ${name} COMMAND ${target} ${arguments})
@@ -49,7 +51,8 @@ function(twinsift_add_memcheck name)
     if(NOT VALGRIND)
         add_test(NAME Memcheck${name}
             COMMAND ${CMAKE_COMMAND} -E echo "SKIP: valgrind is not installed")
-        set_tests_properties(Memcheck${name} PROPERTIES SKIP_REGULAR_EXPRESSION "^SKIP")
+        set_tests_properties(Memcheck${name} PROPERTIES
+            LABELS once SKIP_REGULAR_EXPRESSION "^SKIP")
         return()
     endif()
     add_test(NAME Memcheck${name}
@@ -59,6 +62,7 @@ function(twinsift_add_memcheck name)
                 $<TARGET_FILE:tst_${name}> ${ARGN})
     # The compiled patterns of the regular expressions read beyond what they use.
     set_tests_properties(Memcheck${name} PROPERTIES
+        LABELS once
         TIMEOUT 900
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_ENABLE_REGEXP_JIT=0;${twinsift_test_environment}")
 endfunction()

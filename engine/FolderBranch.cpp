@@ -62,14 +62,17 @@ private:
     const Tell &tell;
     const GoOn &goOn;
 };
+
+auto listerOf(const QString &folder, const FolderBranch::Options &options)
+{
+    return [folder, options](const Lister::Tell &tell, const GoOn &goOn) {
+        Lister(options, tell, goOn).list(folder, options.maxFolders);
+    };
+}
 } // namespace
 
 FolderBranch::FolderBranch(const QString &folder, const Options &options, int depth)
-    : pending(
-        [folder, options](const Pending<Listed>::Tell &tell, const GoOn &goOn) {
-            Lister(options, tell, goOn).list(folder, options.maxFolders);
-        },
-        depth)
+    : pending(listerOf(folder, options), depth)
 {
 }
 

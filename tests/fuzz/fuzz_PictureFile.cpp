@@ -13,7 +13,7 @@ constexpr int tipSide = 500;
 constexpr int maxSide = 32767;
 
 // The readers of the toolkit complain about each broken picture.
-void beSilent(QtMsgType, const QMessageLogContext &, const QString &) { }
+void beSilent(QtMsgType, const QMessageLogContext &, const QString &) {}
 
 /** A file that holds one input after the other. In memory where there is such a folder. */
 class Input final

@@ -14,16 +14,18 @@ case $(field Maintainer) in
     *' <'*@*'>') ;;
     *) fail "Maintainer is '$(field Maintainer)'" ;;
 esac
-for library in libc6 libstdc++6 libqt5core5a libqt5gui5 libqt5widgets5 libqt5network5; do
-    case ", $(field Depends)," in
-        *", $library "* | *", $library,"*) ;;
-        *) fail "$library is missing from Depends: $(field Depends)" ;;
-    esac
-done
 
 umask 022
 dpkg-deb --raw-extract "$package" "$scratch/tree"
 cd "$scratch/tree"
+# The names of libraries got endings: "a" when the binary layout changed, "t64" when the type of times
+# did.
+qt=$(readelf -W -d usr/bin/twinsift | sed -n 's/.*(NEEDED).*\[libQt\([0-9]\)Core\.so.*/\1/p')
+for library in libc6 'libstdc[+][+]6' "libqt${qt}core$qt" "libqt${qt}gui$qt" "libqt${qt}widgets$qt" \
+    "libqt${qt}network$qt"; do
+    printf ', %s,' "$(field Depends)" | grep -qE ", $library(a|t64)?[ ,]" ||
+        fail "$library is missing from Depends: $(field Depends)"
+done
 md5sum --quiet -c DEBIAN/md5sums
 find usr -type f | sort >"$scratch/files"
 sort "$TWINSIFT_SOURCE/tests/packaging/package-files.txt" >"$scratch/expected"

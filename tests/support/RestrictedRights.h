@@ -38,6 +38,7 @@ public:
     /** False where the administrator cannot lay the rights down: the test is to be skipped. */
     bool areRestricted() const
     {
+        // Whoever is no administrator is held by them anyway.
         return restricted || ::geteuid() != 0;
     }
 

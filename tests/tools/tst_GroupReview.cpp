@@ -129,10 +129,10 @@ void tst_GroupReview::proof()
     const ScannedFile d = scanned("d", "two");
     const ScannedFile e = scanned("e", "six");
     const ScannedFile gone = {tree->path(QStringLiteral("gone")), 3, 0};
-    const auto proven = GroupReview::prove(
-        {{a, b, c, d, e, gone}},
-        [] { return true; },
-        &skipped);
+    const auto goOn = [] {
+        return true;
+    };
+    const auto proven = GroupReview::prove({{a, b, c, d, e, gone}}, goOn, &skipped);
     QCOMPARE(proven.size(), 2);
     QCOMPARE(proven.at(0).at(0).path, a.path);
     QCOMPARE(proven.at(0).at(1).path, c.path);
@@ -158,10 +158,10 @@ void tst_GroupReview::endedProof()
         },
         &skipped);
     const int enoughForOne = questions;
-    const auto proven = GroupReview::prove(
-        {{a, b}, {c, d}},
-        [&] { return questions-- > 0; },
-        &skipped);
+    const auto goOnForOne = [&] {
+        return questions-- > 0;
+    };
+    const auto proven = GroupReview::prove({{a, b}, {c, d}}, goOnForOne, &skipped);
     QVERIFY(enoughForOne > 0);
     QCOMPARE(proven.size(), 1);
     QCOMPARE(proven.first().first().path, a.path);

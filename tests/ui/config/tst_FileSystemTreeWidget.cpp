@@ -24,6 +24,11 @@
 #define TRY_COMPARE(seen, wanted) \
     QTRY_COMPARE_WITH_TIMEOUT(seen, wanted, FolderTreeDriver::loadMilliseconds)
 
+namespace
+{
+const char *const dataChanged = SIGNAL(dataChanged(QModelIndex, QModelIndex, QVector<int>));
+} // namespace
+
 class tst_FileSystemTreeWidget final : public TestCase
 {
     Q_OBJECT
@@ -401,8 +406,7 @@ void tst_FileSystemTreeWidget::visibleRowsAreRepaintedAfterAClick()
 {
     // One dataChanged from the first to the last visible row, without roles.
     setUpTree();
-    QSignalSpy changed(driver->model(),
-                       SIGNAL(dataChanged(QModelIndex, QModelIndex, QVector<int>)));
+    QSignalSpy changed(driver->model(), dataChanged);
     const QModelIndex first = driver->view()->indexAt(QPoint(0, 0));
     const QModelIndex last =
         driver->view()->indexAt(QPoint(driver->view()->width() - 1, driver->view()->height() - 1));
@@ -423,8 +427,7 @@ void tst_FileSystemTreeWidget::visibleRowsAreRepaintedAfterExpandingAndCollapsin
     const QString a = tree->path(QStringLiteral("a"));
     driver->clickBranch(a);
     TRY_VERIFY(driver->isSettledAt(a));
-    QSignalSpy changed(driver->model(),
-                       SIGNAL(dataChanged(QModelIndex, QModelIndex, QVector<int>)));
+    QSignalSpy changed(driver->model(), dataChanged);
     for (const bool isExpanded : {false, true}) {
         changed.clear();
         driver->clickBranch(a);
