@@ -9,7 +9,7 @@ DuplicateGroup::DuplicateGroup(const QStringList &bucketPaths, const QStringList
 {
     QHash<QString, int> indexes;
     for (const QString &path : bucketPaths) {
-        const int index = firstIndexes.size();
+        const int index = static_cast<int>(firstIndexes.size());
         const auto known = indexes.constFind(path);
         firstIndexes.append(known == indexes.cend() ? index : *known);
         if (known == indexes.cend()) {

@@ -4,6 +4,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 void ExactGroups::add(int numberOfFirst, const QVector<ScannedFile> &files)
 {
@@ -29,7 +30,7 @@ QVector<QVector<ScannedFile>> ExactGroups::inOrder() const
     });
     QVector<QVector<ScannedFile>> result;
     result.reserve(sorted.size());
-    for (const Group &group : qAsConst(sorted)) {
+    for (const Group &group : std::as_const(sorted)) {
         result.append(group.files);
     }
     return result;

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 
 #include <functional>
+#include <utility>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -163,7 +164,7 @@ QString judge(const Case &files, const QList<QStringList> &groups, const QString
     for (const QStringList &group : groups) {
         QStringList others = group;
         const bool hasTarget = others.removeAll(files.target) > 0;
-        for (const QString &path : qAsConst(others)) {
+        for (const QString &path : std::as_const(others)) {
             if (contentKey(files, path) != contentKey(files, others.first())) {
                 return QStringLiteral("differ: ") + group.join(QLatin1Char(' '));
             }

@@ -4,6 +4,7 @@
 #include "app/MainWindow.h"
 #include "app/Model.h"
 #include "app/ModelEvent.h"
+#include "engine/LocalText.h"
 #include "ui/Picture.h"
 #include "ui/progress/ClickableLabel.h"
 #include "ui/results/DeletionPlan.h"
@@ -116,7 +117,7 @@ void DuplicatedFilesListWidget::saveList()
     }
     QByteArray list;
     for (int row = 0; row < tableModel->rowCount(); ++row) {
-        list.append(lineOfRow(row).toLocal8Bit());
+        list.append(LocalText::encode(lineOfRow(row)));
     }
     if (ListFile::write(path, list)) {
         showBox(QMessageBox::Information,
@@ -358,7 +359,7 @@ void DuplicatedFilesListWidget::createTable()
 ClickableLabel *DuplicatedFilesListWidget::createButton(const QString &text,
                                                         const QString &picture,
                                                         int height,
-                                                        int weight)
+                                                        QFont::Weight weight)
 {
     QFont font;
     font.setWeight(weight);
@@ -412,7 +413,7 @@ void DuplicatedFilesListWidget::askToDeleteSelectedFiles()
                            "crash.<br></b><br>Before deleting, we recommend to you check the list "
                            "of files to be deleted."),
             Qt::RichText);
-    const int count = tableModel->selectedFiles().size();
+    const auto count = tableModel->selectedFiles().size();
     const auto answer = showBox(
         QMessageBox::Question,
         QStringLiteral("Delete Duplicate Files"),
