@@ -30,8 +30,11 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QTableView>
+#include <QTimer>
 #include <QUrl>
 #include <QVBoxLayout>
+
+#include <memory>
 
 namespace
 {
@@ -69,6 +72,21 @@ QString openFileLocationText()
 QString deleteCurrentFileText()
 {
     return QStringLiteral("Delete Current File");
+}
+
+// A menu hides before it triggers, and what it triggers may open a box. In the loop of that box the
+// menu must not go, as its own code is still running.
+void deleteWhenDismissed(QMenu *menu)
+{
+    const auto isChosen = std::make_shared<bool>(false);
+    QObject::connect(menu, &QMenu::triggered, menu, [isChosen] { *isChosen = true; });
+    QObject::connect(menu, &QMenu::aboutToHide, menu, [menu, isChosen] {
+        QTimer::singleShot(0, menu, [menu, isChosen] {
+            if (!*isChosen) {
+                menu->deleteLater();
+            }
+        });
+    });
 }
 
 DeletionPlan::Senses sensesOfTheDisk()
@@ -208,10 +226,9 @@ void DuplicatedFilesListWidget::onCustomContextMenuRequested(const QPoint &pos)
     const QModelIndex cell =
         tableModel->index(contextRow, DuplicatedFilesTableModel::FilepathColumn);
     auto *const menu = new QMenu(this);
+    deleteWhenDismissed(menu);
     connect(menu, SIGNAL(triggered(QAction*)), this, SLOT(onActionTriggered(QAction*)));
     connect(menu, SIGNAL(triggered(QAction*)), menu, SLOT(deleteLater()));
-    // A menu that is dismissed triggers nothing.
-    connect(menu, SIGNAL(aboutToHide()), menu, SLOT(deleteLater()));
     if (QFileInfo::exists(cell.data().toString())) {
         menu->addAction(openFileText());
         menu->addAction(openFileLocationText());

@@ -12,6 +12,7 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMap>
+#include <QMenu>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QTableView>
@@ -58,6 +59,7 @@ private slots:
     void closingTheQuestionIsNo();
     void deletesTheCurrentFileForGood();
     void keepsTheCurrentFileOnNo();
+    void menuOutlivesTheBoxThatItOpens();
     void showsAFileNameAsItReads();
     void savesEveryRow();
     void savesFromTheMenu();
@@ -280,6 +282,27 @@ void tst_ResultsActions::keepsTheCurrentFileOnNo()
     results.choose(QStringLiteral("Delete Current File"));
     QCOMPARE(results.boxes.failures(), QStringList());
     QVERIFY(QFileInfo::exists(file));
+}
+
+void tst_ResultsActions::menuOutlivesTheBoxThatItOpens()
+{
+    // A menu whose entry opens a box is there until the entry is done, and gone soon afterwards.
+    const TempTree tree(path(QString()));
+    ResultsPage results;
+    results.scanned({{tree.file(QStringLiteral("a.txt"))}});
+    results.clickCell(0, 2);
+    bool isMenuBesideTheBox = false;
+    results.boxes.expect(
+        QStringLiteral("Delete Duplicated Files"),
+        [&](QWidget *) {
+            isMenuBesideTheBox = !results.page.findChildren<QMenu *>().isEmpty();
+            return QString();
+        },
+        [](QWidget *box) { box->close(); });
+    results.choose(QStringLiteral("Delete Current File"));
+    QCOMPARE(results.boxes.failures(), QStringList());
+    QVERIFY(isMenuBesideTheBox);
+    QTRY_VERIFY(results.page.findChildren<QMenu *>().isEmpty());
 }
 
 void tst_ResultsActions::showsAFileNameAsItReads()
