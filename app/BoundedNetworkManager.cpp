@@ -180,6 +180,8 @@ void BoundedReply::finish()
 BoundedNetworkManager::BoundedNetworkManager(QObject *parent)
     : QNetworkAccessManager(parent)
 {
+    // Qt 6 follows redirections of its own accord, Qt 5 does not.
+    setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
 }
 
 QNetworkReply *BoundedNetworkManager::createRequest(Operation operation,

@@ -10,7 +10,8 @@
  *
  * The reply asks for a plain answer over a connection of its own, follows no redirection, knows no
  * passwords, cookies or cache, and checks certificates as the toolkit does. All other requests, and
- * those through a proxy, which nobody sets in this program, are the toolkit's.
+ * those through a proxy, which nobody sets in this program, are the toolkit's; redirections are
+ * followed by none.
  */
 class BoundedNetworkManager final : public QNetworkAccessManager
 {

@@ -46,7 +46,7 @@ HttpAnswer::State HttpAnswer::state() const
 
 bool HttpAnswer::readLine()
 {
-    const int lineFeed = waiting.indexOf('\n');
+    const int lineFeed = static_cast<int>(waiting.indexOf('\n'));
     if (lineFeed < 0) {
         return false;
     }
@@ -100,7 +100,7 @@ void HttpAnswer::readStatusLine(const QByteArray &line)
 
 void HttpAnswer::readField(const QByteArray &line)
 {
-    const int colon = line.indexOf(':');
+    const auto colon = line.indexOf(':');
     const QByteArray name = line.left(colon).trimmed().toLower();
     const QByteArray value = line.mid(colon + 1).trimmed();
     if (name == "transfer-encoding") {

@@ -21,7 +21,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QDesktopServices>
-#include <QDesktopWidget>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -66,11 +65,8 @@ void keepForProcess(Controller *controller)
 
 int desktopPixelRatio()
 {
-    // Of the whole desktop, not of one screen; the toolkit cuts it to a whole number, 0 below 1.
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    return qMax(1, QApplication::desktop()->devicePixelRatio());
-    QT_WARNING_POP
+    // The highest of all screens, cut to a whole number.
+    return qMax(1, static_cast<int>(qGuiApp->devicePixelRatio()));
 }
 } // namespace
 
@@ -128,7 +124,7 @@ QHBoxLayout *MainWindow::createHeader()
     auto *const logo = new QLabel;
     logo->setPixmap(Picture::scaledToHeight(picture, shownHeight, devicePixelRatioF()));
     auto *const header = new QHBoxLayout;
-    header->setMargin(0);
+    header->setContentsMargins(0, 0, 0, 0);
     header->addWidget(logo);
     header->addStretch();
     return header;

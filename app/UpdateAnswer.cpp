@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/UpdateAnswer.h"
 
+#include "engine/LocalText.h"
+
 #include <QStringList>
 #include <QUrl>
 
@@ -36,7 +38,7 @@ std::optional<UpdateAnswer> UpdateAnswer::fromLines(const QList<QByteArray> &lin
     }
     QString url = *page;
     url.remove(QLatin1Char('\n'));
-    url = QUrl::fromPercentEncoding(url.toLocal8Bit());
+    url = QUrl::fromPercentEncoding(LocalText::encode(url));
     url.remove(QLatin1Char('\n'));
     // Single characters, not the two pieces: the main window takes the version for one digit.
     return UpdateAnswer{announced->at(0), announced->at(1), url};

@@ -98,8 +98,12 @@ void measureAnswers()
     report("answers of 1,000,000 rows by those of 1,000", largeTime / smallTime, 10, "times");
     report("four answers about a row of 1,000,000", largeTime * 1000 / probes, 20, "us");
 
-    const double few = milliseconds([&] { small.selectedFiles(); }) / small.selectedFiles().size();
-    const double many = milliseconds([&] { large.selectedFiles(); }) / large.selectedFiles().size();
+    const auto millisecondsOfOne = [](const DuplicatedFilesTableModel &model) {
+        return milliseconds([&] { model.selectedFiles(); })
+            / static_cast<double>(model.selectedFiles().size());
+    };
+    const double few = millisecondsOfOne(small);
+    const double many = millisecondsOfOne(large);
     report("a selected file of 1,000,000 by one of 1,000", many / few, 30, "times");
     report("a selected file of 1,000,000", many * 1000, 5, "us");
 }

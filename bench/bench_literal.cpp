@@ -81,7 +81,7 @@ int main(int argc, char **argv)
     QElapsedTimer timer;
     timer.start();
     qint64 pairs = 0;
-    int grouped = 0;
+    qint64 grouped = 0;
     for (const QStringList &bucket : buckets) {
         grouped += groupOf(bucket, &pairs).size();
     }

@@ -72,8 +72,14 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS LICENSE)
 
 if(CMAKE_OSX_DEPLOYMENT_TARGET)
     set(TWINSIFT_MACOS_MINIMUM ${CMAKE_OSX_DEPLOYMENT_TARGET})
+elseif(TWINSIFT_QT_VERSION VERSION_LESS 6)
+    set(TWINSIFT_MACOS_MINIMUM 10.13) # the oldest that Qt 5.15 runs on, and the next lines likewise
+elseif(TWINSIFT_QT_VERSION VERSION_LESS 6.5)
+    set(TWINSIFT_MACOS_MINIMUM 10.14)
+elseif(TWINSIFT_QT_VERSION VERSION_LESS 6.8)
+    set(TWINSIFT_MACOS_MINIMUM 11)
 else()
-    set(TWINSIFT_MACOS_MINIMUM 10.13) # the oldest that Qt 5.15 runs on
+    set(TWINSIFT_MACOS_MINIMUM 12)
 endif()
 
 configure_file(${packaging}/linux/example.twinsift.TwinSift.metainfo.xml.in

@@ -12,7 +12,7 @@ function(twinsift_add_test name)
     endif()
     add_executable(tst_${name} tst_${name}.cpp ${arg_SOURCES})
     target_link_libraries(tst_${name}
-        PRIVATE twinsift_options twinsift_test_support twinsift_core twinsift_resources Qt5::Test
+        PRIVATE twinsift_options twinsift_test_support twinsift_core twinsift_resources Qt::Test
                 ${arg_LIBRARIES})
     twinsift_register_test(${name} tst_${name} ${arg_TIMEOUT} "${arg_X11}" "${arg_ARGUMENTS}")
 endfunction()
@@ -37,6 +37,28 @@ function(twinsift_register_test name target timeout x11 arguments)
     set_tests_properties(${name} PROPERTIES
         TIMEOUT ${timeout}
         ENVIRONMENT "${platform};${twinsift_test_environment}")
+endfunction()
+
+# twinsift_register_test_in_latin1(<Class> <functions>)
+# Runs functions of a test once more in a locale of ISO-8859-1, as <Class>InLatin1. No system needs to
+# have one: it is made here.
+function(twinsift_register_test_in_latin1 name functions)
+    set(locales ${CMAKE_BINARY_DIR}/locales)
+    set(locale en_US.ISO-8859-1)
+    if(NOT EXISTS ${locales}/${locale}/LC_CTYPE)
+        file(MAKE_DIRECTORY ${locales})
+        execute_process(
+            COMMAND localedef --no-archive -i en_US -f ISO-8859-1 ${locales}/${locale}
+            RESULT_VARIABLE result OUTPUT_QUIET ERROR_QUIET)
+    endif()
+    if(NOT EXISTS ${locales}/${locale}/LC_CTYPE)
+        add_test(NAME ${name}InLatin1
+            COMMAND ${CMAKE_COMMAND} -E echo "SKIP: localedef cannot make ${locale} here")
+        set_tests_properties(${name}InLatin1 PROPERTIES SKIP_REGULAR_EXPRESSION "^SKIP")
+        return()
+    endif()
+    twinsift_register_test(${name}InLatin1 tst_${name} 300 "" "${functions}")
+    set_property(TEST ${name}InLatin1 APPEND PROPERTY ENVIRONMENT LC_ALL=${locale} LOCPATH=${locales})
 endfunction()
 
 # twinsift_add_memcheck(<Class> [functions ...])

@@ -158,13 +158,13 @@ void ByteGrouping::readHeadsAhead()
         bool staysOpen;
     };
     QVector<Item> items;
-    for (const Grouping::Chain &chain : qAsConst(buckets)) {
-        const int begin = items.size();
+    for (const Grouping::Chain &chain : std::as_const(buckets)) {
+        const auto begin = items.size();
         for (int file = chain.first; file >= 0 && chain.first != chain.last; file = next.at(file)) {
             items.append({file, true});
         }
         if (items.size() - begin > ContentClasses::maxOpenFiles) {
-            for (int i = begin; i < items.size(); ++i) {
+            for (auto i = begin; i < items.size(); ++i) {
                 items[i].staysOpen = false;
             }
         }
@@ -274,7 +274,7 @@ bool ByteGrouping::addLonger(const Bucket &bucket,
         QVector<int> indexes;
         QStringList paths;
         for (auto other = size; other != bySize.end(); ++other) {
-            for (const int file : qAsConst(other->second)) {
+            for (const int file : std::as_const(other->second)) {
                 if (FileKey::ofAttributes(bucket.paths.at(file), profile) == bucket.key) {
                     indexes.append(file);
                     paths.append(bucket.paths.at(file));

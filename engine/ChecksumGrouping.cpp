@@ -17,6 +17,9 @@ namespace
 constexpr qint64 meanBytesOfLongFiles = qint64(256) * 1024;
 constexpr ReadAhead<FileKey::Checksum>::Bounds boundsOfLongFiles = {1, 32, 1};
 constexpr ReadAhead<FileKey::Checksum>::Bounds boundsOfShortFiles = {8, 16, 1};
+
+// Another type in each generation of the toolkit.
+using HashValue = decltype(qHash(QString()));
 } // namespace
 
 // What is kept of a file that was read for its checksum.
@@ -31,7 +34,7 @@ struct ChecksumGrouping::ReadFile {
     {
         return size == other.size && contentHash == other.contentHash && key == other.key;
     }
-    friend uint qHash(const ReadFile &file, uint seed)
+    friend HashValue qHash(const ReadFile &file, HashValue seed)
     {
         return qHash(file.key, seed) ^ qHash(file.size ^ static_cast<qint64>(file.contentHash));
     }
@@ -50,7 +53,7 @@ ChecksumGrouping::ChecksumGrouping(Grouping::Files scannedFiles,
 
 void ChecksumGrouping::run()
 {
-    const int count = files.paths.size();
+    const int count = static_cast<int>(files.paths.size());
     const qint64 bytes = std::accumulate(files.sizes.cbegin(), files.sizes.cend(), qint64(0));
     ReadAhead<FileKey::Checksum> checksums(
         count,
@@ -65,7 +68,7 @@ void ChecksumGrouping::run()
     }
     QVector<ReadFile> readFiles;
     readFiles.reserve(count);
-    for (const QString &path : qAsConst(files.paths)) {
+    for (const QString &path : std::as_const(files.paths)) {
         if (!events.goOn()) {
             break;
         }
@@ -88,7 +91,7 @@ void ChecksumGrouping::run()
                           checksum.contentHash});
         if (!checksum.key.isEmpty()) {
             store(path, checksum);
-            events.counted(readFiles.size());
+            events.counted(static_cast<int>(readFiles.size()));
         }
     }
     keepExactGroups(readFiles);
@@ -128,7 +131,7 @@ void ChecksumGrouping::keepExactGroups(const QVector<ReadFile> &readFiles)
             chain->last = i;
         }
     }
-    for (const Grouping::Chain &chain : qAsConst(chains)) {
+    for (const Grouping::Chain &chain : std::as_const(chains)) {
         QVector<ScannedFile> group;
         for (int i = chain.first; i >= 0; i = next.at(i)) {
             const ReadFile &file = readFiles.at(i);

@@ -256,7 +256,7 @@ std::vector<ContentClasses::OpenFiles> ContentClasses::split(OpenFiles part,
 
 bool ContentClasses::sortMany(const Heads &heads)
 {
-    KeptHeads kept(paths.size());
+    KeptHeads kept(static_cast<int>(paths.size()));
     Part files;
     if (!keepHeads(heads, &kept, &files)) {
         return false;

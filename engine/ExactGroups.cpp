@@ -4,6 +4,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -62,7 +63,7 @@ QVector<QVector<ScannedFile>> ExactGroups::inOrder() const
     });
     QVector<QVector<ScannedFile>> result;
     result.reserve(sorted.size());
-    for (const Group &group : qAsConst(sorted)) {
+    for (const Group &group : std::as_const(sorted)) {
         result.append(group.files);
     }
     return result;

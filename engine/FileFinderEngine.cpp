@@ -172,7 +172,7 @@ FolderWalk::Events FileFinderEngine::walkEvents()
         letEventsIn();
     };
     events.folderDone = [this](const QString &folder) {
-        emit countingFilesInFolder(files.paths.size(), folder);
+        emit countingFilesInFolder(static_cast<int>(files.paths.size()), folder);
     };
     events.isStopped = [this] {
         return stopRequested;

@@ -21,12 +21,10 @@ constexpr qint64 maxBytesBehindTheEnd = qint64(64) * 1024 * 1024;
 
 QDateTime creationTime(const QFileInfo &info)
 {
-    // birthTime() is no substitute: where the file system keeps none, created() falls back to the
-    // last change of the file's metadata.
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    return info.created();
-    QT_WARNING_POP
+    // As the toolkit's own date of creation, which its newer generation lacks: where the file system
+    // keeps none, it is the last change of the file's metadata.
+    const QDateTime birth = info.birthTime();
+    return birth.isValid() ? birth : info.metadataChangeTime();
 }
 } // namespace
 
@@ -94,7 +92,7 @@ FileKey::Checksum FileKey::hashOf(const QString &path,
             checksum.error = file.errorString();
             return checksum;
         }
-        hash.addData(buffer.get(), static_cast<int>(bytes));
+        hash.addData(QByteArray::fromRawData(buffer.get(), static_cast<int>(bytes)));
         contentHash.add(buffer.get(), bytes);
         done += bytes;
         if (done > file.size() + maxBytesBehindTheEnd) {

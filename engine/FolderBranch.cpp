@@ -33,7 +33,7 @@ public:
         const QStringList subfolders =
             goesDown ? takeSubfolders(folder, maxFolders - 1, &listed) : QStringList();
         tell(std::move(listed));
-        int rest = maxFolders - 1 - subfolders.size();
+        int rest = maxFolders - 1 - static_cast<int>(subfolders.size());
         for (const QString &subfolder : subfolders) {
             if (goOn()) {
                 rest -= list(subfolder, 1 + rest) - 1;

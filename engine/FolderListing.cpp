@@ -20,7 +20,7 @@ void sortByName(List *list)
     using Entry = typename List::value_type;
     std::vector<Sortable<Entry>> sortables;
     sortables.reserve(static_cast<std::size_t>(list->size()));
-    for (const Entry &entry : qAsConst(*list)) {
+    for (const Entry &entry : std::as_const(*list)) {
         sortables.push_back({entry.name.toLower(), entry});
     }
     std::sort(sortables.begin(), sortables.end(), [](const auto &a, const auto &b) {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "engine/FileMasks.h"
 #include "engine/FolderListing.h"
+#include "engine/Utf8.h"
 
 #include <QDir>
 #include <QFile>
-#include <QTextCodec>
 
 #include <algorithm>
 #include <cerrno>
@@ -39,14 +39,6 @@ bool isAscii(const QByteArray &name)
     return std::all_of(name.cbegin(), name.cend(), [](char c) { return (c & 0x80) == 0; });
 }
 
-bool isUtf8(const QByteArray &name)
-{
-    static const QTextCodec *const codec = QTextCodec::codecForName("UTF-8");
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    codec->toUnicode(name.constData(), name.size(), &state);
-    return state.invalidChars == 0 && state.remainingChars == 0;
-}
-
 // A null string for a name that the toolkit does not list.
 QString decode(const char *rawName)
 {
@@ -55,7 +47,7 @@ QString decode(const char *rawName)
         return QString::fromLatin1(name);
     }
     // The slash keeps a byte order mark at the start of the name from being swallowed.
-    return isUtf8(name) ? QFile::decodeName('/' + name).mid(1) : QString();
+    return Utf8::isValid(name) ? QFile::decodeName('/' + name).mid(1) : QString();
 }
 
 mode_t typeOf(int dirDescriptor, const char *name, int flags)

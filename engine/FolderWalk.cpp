@@ -23,7 +23,7 @@ bool isExcluded(const QString &fileName, const QStringList &excludeMasks)
     if (excludeMasks.isEmpty()) {
         return false;
     }
-    const int dot = fileName.lastIndexOf(QLatin1Char('.'));
+    const auto dot = fileName.lastIndexOf(QLatin1Char('.'));
     const QString suffix = dot < 0 ? QString() : fileName.mid(dot + 1);
     return excludeMasks.contains(QStringLiteral("*.%1").arg(suffix), Qt::CaseInsensitive);
 }
@@ -104,7 +104,7 @@ bool FolderWalk::enter(const QString &folder, const Branch &branch, bool isTop)
     frame->listedInBranch = listed.listedSubfolders;
     frame->nextAhead = listed.listedSubfolders;
     tellSkipped(frame->prefix, entries);
-    for (const FolderListing::File &file : qAsConst(entries.files)) {
+    for (const FolderListing::File &file : std::as_const(entries.files)) {
         if (isTaken(file)) {
             events.fileFound(frame->prefix + file.name, file.size);
         }

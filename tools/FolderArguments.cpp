@@ -10,12 +10,13 @@
 #include <QSet>
 
 #include <cstdio>
+#include <utility>
 
 namespace
 {
 QString parentOf(const QString &folder)
 {
-    const int slash = folder.lastIndexOf(QLatin1Char('/'));
+    const auto slash = folder.lastIndexOf(QLatin1Char('/'));
     return slash > 0 ? folder.left(slash) : QStringLiteral("/");
 }
 
@@ -89,7 +90,7 @@ bool FolderArguments::reduce(const QStringList &names,
     }
     all.removeDuplicates();
     const QSet<QString> set(all.cbegin(), all.cend());
-    for (const QString &folder : qAsConst(all)) {
+    for (const QString &folder : std::as_const(all)) {
         if (!isReachedFromAny(folder, set, options)) {
             folders->append(folder);
         }

@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <climits>
 #include <map>
+#include <utility>
 
 #include <sys/stat.h>
 
@@ -44,7 +45,7 @@ QString whyNotSame(const ScannedFile &file, struct stat *status)
 // The path with a folder that has no links in it.
 QString plainPath(const QString &path)
 {
-    const int slash = path.lastIndexOf(QLatin1Char('/'));
+    const auto slash = path.lastIndexOf(QLatin1Char('/'));
     const QString folder = FolderListing::canonicalPath(path.left(slash + 1));
     return folder.isEmpty() ? path : folder + path.mid(slash);
 }
@@ -81,7 +82,7 @@ ReportedGroup GroupReview::review(const QVector<ScannedFile> &files, QVector<Ski
             continue;
         }
         Names &names = byFile[{entry.status.st_dev, entry.status.st_ino}];
-        names.entries.append(entries.size());
+        names.entries.append(static_cast<int>(entries.size()));
         // Some file systems count no links at all.
         names.linkCount = std::max<quint64>(1, entry.status.st_nlink);
         entries.append(entry);
@@ -100,7 +101,7 @@ ReportedGroup GroupReview::review(const QVector<ScannedFile> &files, QVector<Ski
         return {};
     }
     std::sort(kept.begin(), kept.end());
-    for (const int entry : qAsConst(kept)) {
+    for (const int entry : std::as_const(kept)) {
         group.paths.append(entries.at(entry).path);
     }
     group.size = files.first().size;

@@ -208,7 +208,7 @@ bool readSize(const QCommandLineParser &parser,
     }
     static const QRegularExpression form(QStringLiteral("^([0-9]+)([KMGTkmgt]?)$"));
     const QRegularExpressionMatch match = form.match(parser.value(option));
-    const int power = QStringLiteral("KMGT").indexOf(match.captured(2).toUpper()) + 1;
+    const auto power = QStringLiteral("KMGT").indexOf(match.captured(2).toUpper()) + 1;
     const qint64 unit = Q_INT64_C(1) << (match.capturedLength(2) > 0 ? 10 * power : 0);
     bool isNumber = false;
     const qint64 number = match.captured(1).toLongLong(&isNumber);

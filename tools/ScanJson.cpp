@@ -2,6 +2,7 @@
 #include "tools/ScanJson.h"
 
 #include "app/Product.h"
+#include "engine/Utf8.h"
 #include "tools/ScanArguments.h"
 #include "tools/ScanOutput.h"
 
@@ -9,7 +10,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTextCodec>
 
 #include <limits>
 
@@ -63,13 +63,6 @@ private:
     ScanOutput *output;
     bool isEmpty = true;
 };
-
-bool isUtf8(const QByteArray &bytes)
-{
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
-    return state.invalidChars == 0 && state.remainingChars == 0;
-}
 
 QJsonArray paths(const QStringList &list)
 {
@@ -166,7 +159,7 @@ QJsonValue skippedObject(const SkippedPath &skipped)
 
 QJsonValue ScanJson::path(const QByteArray &bytes)
 {
-    if (isUtf8(bytes)) {
+    if (Utf8::isValid(bytes)) {
         return QString::fromUtf8(bytes);
     }
     return QJsonObject{

@@ -70,7 +70,7 @@ void ScanRunner::stop()
 void ScanRunner::review(const QList<QStringList> &joinedGroups)
 {
     const ScanFindings &findings = *ScanFindings::instance();
-    result.filesFound = engine->foundFiles().size();
+    result.filesFound = static_cast<int>(engine->foundFiles().size());
     result.wasStopped = engine->isStopRequested();
     result.joinedGroups = joinedGroups;
     result.skipped = findings.skipped;
@@ -84,7 +84,7 @@ void ScanRunner::review(const QList<QStringList> &joinedGroups)
         groups = GroupReview::prove(groups, goOn, &result.skipped);
         result.wasStopped = result.wasStopped || isStopRequested;
     }
-    for (const QVector<ScannedFile> &files : qAsConst(groups)) {
+    for (const QVector<ScannedFile> &files : std::as_const(groups)) {
         ReportedGroup group = GroupReview::review(files, &result.skipped);
         if (!group.paths.isEmpty()) {
             result.groups.append(std::move(group));

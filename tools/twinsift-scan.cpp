@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/Product.h"
+#include "engine/LocalText.h"
 #include "engine/ScanProgress.h"
 #include "tools/ByteText.h"
 #include "tools/GroupWriter.h"
@@ -13,12 +14,9 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QLoggingCategory>
-#include <QTextCodec>
 
 #include <cerrno>
-#include <clocale>
 #include <csignal>
-#include <cstring>
 #include <memory>
 
 #include <fcntl.h>
@@ -40,15 +38,6 @@ void occupyClosedChannels()
         if (::fcntl(channel, F_GETFD) < 0) {
             ::open("/dev/null", unusable[channel]); // the lowest free number, which is this one
         }
-    }
-}
-
-// The plain locale knows ASCII alone, and the toolkit would mangle all other names.
-void useUtf8InPlainLocale()
-{
-    const char *const locale = std::setlocale(LC_CTYPE, nullptr);
-    if (std::strcmp(locale, "C") == 0 || std::strcmp(locale, "POSIX") == 0) {
-        QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     }
 }
 
@@ -75,7 +64,7 @@ int finish(ScanOutput *output)
 int print(const QString &text)
 {
     ScanOutput output(STDOUT_FILENO);
-    output.write(text.toLocal8Bit());
+    output.write(LocalText::encode(text));
     return finish(&output);
 }
 
@@ -110,7 +99,7 @@ void nameSkipped(const ScanReport &report)
             output.write(isControl ? '\\' + QByteArray::number(byte, 8).rightJustified(3, '0')
                                    : QByteArray(1, byte));
         }
-        output.write(": " + skipped.reason.toLocal8Bit() + '\n');
+        output.write(": " + LocalText::encode(skipped.reason) + '\n');
     }
     output.flush();
 }
@@ -186,7 +175,7 @@ int main(int argc, char **argv)
 {
     occupyClosedChannels();
     const QCoreApplication application(argc, argv);
-    useUtf8InPlainLocale();
+    LocalText::useUtf8InPlainLocale();
     const ScanArguments arguments = ScanArguments::parse(QCoreApplication::arguments());
     switch (arguments.action) {
     case ScanArguments::Action::ShowHelp:

@@ -8,7 +8,7 @@ namespace
 {
 QString forRatio(const QString &path, qreal ratio)
 {
-    const int dot = path.lastIndexOf(QLatin1Char('.'));
+    const auto dot = path.lastIndexOf(QLatin1Char('.'));
     if (ratio <= 1 || dot < 0) {
         return path;
     }

@@ -124,7 +124,7 @@ void tst_LeaveDuringScan::endsWithStatusZeroInADialog_data()
 
     const QStringList ways = LeavingProgram::ways();
     const QStringList dialogs = LeavingProgram::dialogs();
-    const int leavings = countFromEnvironment(ways.size() * dialogs.size());
+    const int leavings = countFromEnvironment(static_cast<int>(ways.size() * dialogs.size()));
     QRandomGenerator random(2);
     for (int i = 0; i < leavings; ++i) {
         // Ten dialogs and three ways: each meets each.

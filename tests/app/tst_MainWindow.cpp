@@ -610,7 +610,7 @@ void tst_MainWindow::otherActionsDoNothing()
     MainWindow window;
     ModalDriver driver;
     const UrlCatcher urls({QStringLiteral("https"), QStringLiteral("mailto")});
-    const int windows = QApplication::topLevelWidgets().size();
+    const auto windows = QApplication::topLevelWidgets().size();
     for (const char *const text : {"about", "HOMEPAGE", "&Exit", "", "Help"}) {
         QAction action(QString::fromLatin1(text));
         window.onMenuClicked(&action);

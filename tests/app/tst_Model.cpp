@@ -2,6 +2,7 @@
 #include "app/Model.h"
 #include "tests/app/EventRecorder.h"
 #include "tests/support/TestCase.h"
+#include "tests/support/Toolkit.h"
 
 #include <QMetaMethod>
 #include <QThread>
@@ -89,7 +90,7 @@ void tst_Model::leavesThePointerTypeUnregistered()
     Model model(nullptr);
     const EventRecorder recorder(&model);
     model.emitModelEvent(FindAllFilesStartedEvent());
-    QCOMPARE(QMetaType::type("const ModelEvent*"), int(QMetaType::UnknownType));
+    QVERIFY(!Toolkit::knowsType("const ModelEvent*"));
 }
 
 TWINSIFT_TEST_MAIN(tst_Model)

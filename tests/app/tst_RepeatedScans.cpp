@@ -15,6 +15,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <utility>
 
 #include <unistd.h>
 
@@ -175,7 +176,7 @@ void tst_RepeatedScans::stopsAtRandomMoments()
         QVERIFY2(driver.shows(QStringLiteral("Finding duplicated files was completed!")),
                  qPrintable(mode));
         QVERIFY(driver.isEnabled(QStringLiteral("Scan Results")));
-        for (const QStringList &group : qAsConst(groups)) {
+        for (const QStringList &group : std::as_const(groups)) {
             // Of one content each, whatever the moment.
             QVERIFY(group.size() > 1 && group.size() <= copiesCount);
             const QString name = group.first().section(QLatin1Char('/'), -1);

@@ -207,7 +207,7 @@ void tst_Screens::keepPicture(const QString &name) const
 void tst_Screens::showPage(const QString &name)
 {
     const TempTree tree(path(QStringLiteral("files")));
-    const int page = pageNames.indexOf(name);
+    const auto page = pageNames.indexOf(name);
     if (page == 1) {
         const QString library = tree.folder(QStringLiteral("Library"));
         tree.folder(QStringLiteral("Music"));

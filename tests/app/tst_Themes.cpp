@@ -80,6 +80,12 @@ void tst_Themes::initTestCase()
     }
     // Some themes put their colours in place when the event loop runs first.
     QCoreApplication::processEvents();
+    // Without a screen each generation of the toolkit has a font of another size. The strokes of a
+    // small one are too thin to show their colour.
+    QFont font = QApplication::font();
+    font.setPointSize(12);
+    font.setHintingPreference(QFont::PreferFullHinting);
+    QApplication::setFont(font);
 }
 
 void tst_Themes::init()
@@ -279,7 +285,8 @@ void tst_Themes::paletteChangedByTheDesktop()
     QPalette dark(QColor(40, 40, 40), QColor(30, 30, 30));
     QApplication::setPalette(dark);
     QTRY_COMPARE(QGuiApplication::palette().color(QPalette::Base), QColor(Qt::white));
-    QCOMPARE(ContrastReader::problemsOf(window.get()), QString());
+    // Qt 6 hands it to the widgets with the next pass of the event loop.
+    QTRY_COMPARE(ContrastReader::problemsOf(window.get()), QString());
 }
 
 TWINSIFT_TEST_MAIN(tst_Themes)

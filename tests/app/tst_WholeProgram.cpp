@@ -246,7 +246,7 @@ void tst_WholeProgram::scanReviewTrashAndScanAgain()
 
     QStringList numbers = groups;
     numbers.removeDuplicates();
-    const int ticked = paths.size() - numbers.size();
+    const auto ticked = paths.size() - numbers.size();
     boxes.expectMessageBox(QStringLiteral("Warning"),
                            deleteWarning,
                            QMessageBox::Ok,

@@ -97,7 +97,7 @@ ScanProfile EngineRig::advanced(const QString &checksum)
 void EngineRig::add(const QString &line)
 {
     lines.append(line);
-    const auto action = actions.take(lines.size());
+    const auto action = actions.take(static_cast<int>(lines.size()));
     if (action) {
         action();
     }

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "tests/engine/LiteralGrouping.h"
 
+#include "tests/support/Toolkit.h"
+
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -90,7 +93,7 @@ QList<QStringList> LiteralGrouping::exactGroups() const
 void LiteralGrouping::groupByContent()
 {
     QHash<QString, QStringList> buckets;
-    for (const QString &path : qAsConst(allFiles)) {
+    for (const QString &path : std::as_const(allFiles)) {
         const QString fileKey = key(path, profile);
         if (!fileKey.isEmpty()) {
             QStringList bucket = buckets.value(fileKey);
@@ -129,7 +132,7 @@ void LiteralGrouping::groupByContent()
 void LiteralGrouping::groupByChecksum()
 {
     int n = 0;
-    for (const QString &path : qAsConst(allFiles)) {
+    for (const QString &path : std::as_const(allFiles)) {
         const QString fileKey = key(path, profile);
         ++n;
         if (fileKey.isEmpty()) {
@@ -200,10 +203,7 @@ QString LiteralGrouping::key(const QString &path, const ScanProfile &profile)
         text += info.completeSuffix().toLocal8Bit();
     }
     if (profile.sameDateOfCreation) {
-        QT_WARNING_PUSH
-        QT_WARNING_DISABLE_DEPRECATED
-        text += info.created().toString(Qt::TextDate).toLocal8Bit();
-        QT_WARNING_POP
+        text += Toolkit::created(info).toString(Qt::TextDate).toLocal8Bit();
     }
     return QString::fromLatin1(text.toBase64());
 }

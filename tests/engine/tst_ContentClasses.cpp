@@ -59,7 +59,7 @@ QVector<int> firstOfEqual(const QStringList &paths)
     for (const QString &path : paths) {
         const QByteArray content = TempTree::read(path);
         if (!known.contains(content)) {
-            known.insert(content, firsts.size());
+            known.insert(content, static_cast<int>(firsts.size()));
         }
         firsts.append(known.value(content));
     }
@@ -127,7 +127,7 @@ void tst_ContentClasses::classesAreThoseOfTheBytes()
                 // At the start, at the end, or anywhere: four digits of which content it is.
                 const QByteArray mark =
                     QByteArray::number(random.bounded(contents)).rightJustified(4, '0').left(bytes);
-                const int room = bytes - mark.size();
+                const int room = bytes - static_cast<int>(mark.size());
                 const int at = place == 0 ? 0 : place == 1 ? room : room / 3 * 2;
                 content.replace(at, mark.size(), mark);
             }

@@ -132,7 +132,7 @@ void tst_Crc32::instanceInOnePiece()
     Crc32 crc;
     QByteArray data = digits();
     crc.initInstance(1);
-    crc.pushData(1, data.data(), data.size());
+    crc.pushData(1, data.data(), static_cast<int>(data.size()));
     QCOMPARE(crc.releaseInstance(1), checkValue);
     QCOMPARE(crc.releaseInstance(1), 0U);
 }
@@ -156,7 +156,7 @@ void tst_Crc32::instanceOfOtherNumber()
     QByteArray data = digits();
     crc.initInstance(1);
     crc.initInstance(2);
-    crc.pushData(1, data.data(), data.size());
+    crc.pushData(1, data.data(), static_cast<int>(data.size()));
     crc.pushData(2, data.data(), 3);
     QCOMPARE(crc.releaseInstance(2), plainCrc(data.left(3)));
     QCOMPARE(crc.releaseInstance(1), checkValue);
@@ -170,7 +170,7 @@ void tst_Crc32::restartedInstance()
     crc.initInstance(1);
     crc.pushData(1, data.data(), 4);
     crc.initInstance(1);
-    crc.pushData(1, data.data(), data.size());
+    crc.pushData(1, data.data(), static_cast<int>(data.size()));
     QCOMPARE(crc.releaseInstance(1), checkValue);
 }
 
@@ -179,9 +179,9 @@ void tst_Crc32::pushWithoutStart()
     // Data for an instance that does not run is dropped, and its release gives zero.
     Crc32 crc;
     QByteArray data = digits();
-    crc.pushData(2, data.data(), data.size());
+    crc.pushData(2, data.data(), static_cast<int>(data.size()));
     QCOMPARE(crc.releaseInstance(2), 0U);
-    crc.pushData(2, data.data(), data.size());
+    crc.pushData(2, data.data(), static_cast<int>(data.size()));
     QCOMPARE(crc.releaseInstance(2), 0U);
 }
 
@@ -192,7 +192,7 @@ void tst_Crc32::pushOfNothing()
     QByteArray data = digits();
     crc.initInstance(1);
     crc.pushData(1, data.data(), 0);
-    crc.pushData(1, data.data(), data.size());
+    crc.pushData(1, data.data(), static_cast<int>(data.size()));
     crc.pushData(1, data.data(), -5);
     QCOMPARE(crc.releaseInstance(1), checkValue);
 }
@@ -204,7 +204,7 @@ void tst_Crc32::frozenInstance()
     QByteArray data("\xFF\xFF\xFF\xFF", 4);
     QCOMPARE(plainCrc(data), 0xFFFFFFFFU);
     crc.initInstance(1);
-    crc.pushData(1, data.data(), data.size());
+    crc.pushData(1, data.data(), static_cast<int>(data.size()));
     crc.pushData(1, data.data(), 1);
     QCOMPARE(crc.releaseInstance(1), 0U);
 }

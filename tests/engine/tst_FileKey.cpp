@@ -5,6 +5,7 @@
 #include "tests/support/RestrictedRights.h"
 #include "tests/support/TempTree.h"
 #include "tests/support/TestCase.h"
+#include "tests/support/Toolkit.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -89,10 +90,7 @@ void tst_FileKey::attributes()
     profile.sameFileExtension = extension;
     profile.sameDateOfCreation = date;
     const QString file = tree->file(QString::fromUtf8("ph\xC3\xB6to.tar.gz"), "12345");
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    const QDateTime created = QFileInfo(file).created();
-    QT_WARNING_POP
+    const QDateTime created = Toolkit::created(QFileInfo(file));
     QVERIFY(created.isValid());
     QByteArray wanted = "5";
     wanted += name ? "ph\xC3\xB6to" : "";

@@ -13,6 +13,7 @@
 #include <QSet>
 
 #include <memory>
+#include <utility>
 
 class tst_Grouping final : public TestCase
 {
@@ -74,7 +75,7 @@ QStringList countingLines(const QStringList &record)
 QList<QStringList> exactPaths()
 {
     QList<QStringList> groups;
-    for (const QVector<ScannedFile> &group : qAsConst(ScanFindings::instance()->exactGroups)) {
+    for (const QVector<ScannedFile> &group : std::as_const(ScanFindings::instance()->exactGroups)) {
         QStringList paths;
         for (const ScannedFile &file : group) {
             paths.append(file.path);
@@ -557,7 +558,7 @@ void tst_Grouping::exactGroupsOfAStoppedScan()
     for (const char *checksum : {"", "md5"}) {
         const ScanProfile profile =
             *checksum == '\0' ? ScanProfile() : EngineRig::advanced(QLatin1String(checksum));
-        const int signalCount = rig->scan({tree->root()}, profile).size();
+        const auto signalCount = rig->scan({tree->root()}, profile).size();
         for (int i = 1; i < signalCount; ++i) {
             rig->stopAtSignal(i);
             rig->scan({tree->root()}, profile);

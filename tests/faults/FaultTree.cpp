@@ -9,6 +9,8 @@
 #include <QDirIterator>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace
 {
 constexpr int classCount = 36;
@@ -56,7 +58,7 @@ FaultTree::FaultTree(const QString &root)
     for (int number = 0; number < classCount; ++number) {
         addClass(number);
     }
-    int number = contents.size();
+    auto number = contents.size();
     for (int empty = 0; empty < 4; ++empty, ++number) {
         add(nameOf(empty, QStringLiteral("empty%1.bin").arg(empty)), QByteArray(), emptyContent);
     }
@@ -79,7 +81,7 @@ void FaultTree::addClass(int number)
     }
     for (int other = 0; other < 2; ++other) {
         QByteArray changed = content;
-        const int at = other == 0 ? 0 : changed.size() - 1;
+        const auto at = other == 0 ? 0 : changed.size() - 1;
         changed[at] = static_cast<char>(changed.at(at) ^ 1);
         add(nameOf((number + other) % 10, QStringLiteral("d%1_%2.bin").arg(number).arg(other)),
             changed,
@@ -111,7 +113,7 @@ QSet<QSet<QString>> FaultTree::groups(const QString &leftOut) const
         }
     }
     QSet<QSet<QString>> groups;
-    for (const QSet<QString> &group : qAsConst(byContent)) {
+    for (const QSet<QString> &group : std::as_const(byContent)) {
         if (group.size() > 1) {
             groups.insert(group);
         }

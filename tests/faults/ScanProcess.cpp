@@ -12,8 +12,8 @@ QList<QByteArrayList> groupsOf(const QByteArray &output)
 {
     QList<QByteArrayList> groups;
     QByteArrayList group;
-    int start = 0;
-    for (int end = output.indexOf('\0'); end >= 0; end = output.indexOf('\0', start)) {
+    decltype(output.size()) start = 0;
+    for (auto end = output.indexOf('\0'); end >= 0; end = output.indexOf('\0', start)) {
         if (end > start) {
             group.append(output.mid(start, end - start));
         } else {

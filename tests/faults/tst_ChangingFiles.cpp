@@ -12,6 +12,7 @@
 #include <QSet>
 
 #include <functional>
+#include <utility>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -171,7 +172,7 @@ QString judge(const Case &files, const QList<QStringList> &groups, const QString
     for (const QStringList &group : groups) {
         QStringList others = group;
         const bool hasTarget = others.removeAll(files.target) > 0;
-        for (const QString &path : qAsConst(others)) {
+        for (const QString &path : std::as_const(others)) {
             if (contentKey(files, path) != contentKey(files, others.first())) {
                 return QStringLiteral("differ: ") + group.join(QLatin1Char(' '));
             }

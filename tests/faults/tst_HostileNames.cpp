@@ -6,6 +6,8 @@
 
 #include <QFile>
 
+#include <utility>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -131,7 +133,7 @@ void removeBelow(int parent, const QByteArrayList &chain, const QByteArrayList &
         folders.append(
             ::openat(folders.last(), name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     }
-    for (int depth = folders.size() - 1; depth >= 0; --depth) {
+    for (auto depth = folders.size() - 1; depth >= 0; --depth) {
         for (const QByteArray &file : files) {
             ::unlinkat(folders.at(depth), file.constData(), 0);
         }
@@ -262,7 +264,7 @@ void tst_HostileNames::pathsBeyondTheLimitOfTheSystemAreLeftOut()
     }
     const auto groups = Scan::run({tree.root()}, Scan::profile(static_cast<Scan::Mode>(mode)));
     removeBelow(folders.first(), chain, files);
-    for (const int opened : qAsConst(folders)) {
+    for (const int opened : std::as_const(folders)) {
         ::close(opened);
     }
     QSet<QSet<QString>> made = {reachable};

@@ -142,7 +142,8 @@ bool chooseMode(WindowDriver *driver, int mode)
 
 int timersOf(const MainWindow *window)
 {
-    return window->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly).size();
+    return static_cast<int>(
+        window->findChildren<QTimer *>(QString(), Qt::FindDirectChildrenOnly).size());
 }
 } // namespace
 

@@ -9,8 +9,9 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, std::size_t siz
 {
     const QByteArray content = Fuzz::bytes(data, size);
     const QStringList entries = MaskFile::entries(content);
-    const int lines = content.count('\n') + (content.isEmpty() || content.endsWith('\n') ? 0 : 1);
-    Fuzz::require(entries.size() == std::min(lines, MaskFile::maxEntries), "an entry a line");
+    const auto lines = content.count('\n') + (content.isEmpty() || content.endsWith('\n') ? 0 : 1);
+    Fuzz::require(entries.size() == std::min<qint64>(lines, MaskFile::maxEntries),
+                  "an entry a line");
     for (const QString &entry : entries) {
         Fuzz::require(entry.size() <= MaskFile::maxLineBytes, "a bounded entry");
         Fuzz::require(!entry.contains(QChar(0)), "an entry that ends at a zero byte");

@@ -9,9 +9,9 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, std::size_t siz
 {
     const QByteArray answer = Fuzz::bytes(data, size);
     QList<QByteArray> lines;
-    for (int start = 0; start < answer.size();) {
-        const int lineFeed = answer.indexOf('\n', start);
-        const int end = lineFeed < 0 ? answer.size() : lineFeed + 1;
+    for (decltype(answer.size()) start = 0; start < answer.size();) {
+        const auto lineFeed = answer.indexOf('\n', start);
+        const auto end = lineFeed < 0 ? answer.size() : lineFeed + 1;
         lines.append(answer.mid(start, end - start));
         start = end;
     }

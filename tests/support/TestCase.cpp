@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/TestCase.h"
 
+#include "ui/QtCompat.h"
+
 #include <QDir>
 #include <QMutex>
 #include <QSettings>
+
+#include <utility>
 
 namespace
 {
@@ -29,6 +33,7 @@ void TestSurroundings::prepare()
 {
     // Dialogs of the toolkit, which a test can drive, instead of a desktop's own.
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QtCompat::useWholeRatios();
 }
 
 void TestCase::init()
@@ -73,7 +78,7 @@ void TestCase::cleanup()
     QDir::setCurrent(QDir::rootPath());
     folder.reset();
     QStringList missing;
-    for (const Expected &line : qAsConst(expected)) {
+    for (const Expected &line : std::as_const(expected)) {
         missing.append(line.pattern.pattern());
     }
     QVERIFY2(unexpected.isEmpty(), qPrintable(unexpected.join(QLatin1Char('\n'))));
@@ -137,7 +142,7 @@ bool TestCase::takeMessage(QtMsgType type, const QString &text)
             return true;
         }
     }
-    for (const QRegularExpression &pattern : qAsConst(allowed)) {
+    for (const QRegularExpression &pattern : std::as_const(allowed)) {
         if (pattern.match(text).hasMatch()) {
             return true;
         }

@@ -3,6 +3,8 @@
 
 #include <QDesktopServices>
 
+#include <utility>
+
 UrlCatcher::UrlCatcher(const QStringList &takenSchemes)
     : schemes(takenSchemes)
 {
@@ -13,7 +15,7 @@ UrlCatcher::UrlCatcher(const QStringList &takenSchemes)
 
 UrlCatcher::~UrlCatcher()
 {
-    for (const QString &scheme : qAsConst(schemes)) {
+    for (const QString &scheme : std::as_const(schemes)) {
         QDesktopServices::unsetUrlHandler(scheme);
     }
 }

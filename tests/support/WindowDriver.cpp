@@ -5,6 +5,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDir>
 #include <QFileSystemModel>
 #include <QLabel>
 #include <QMainWindow>
@@ -59,6 +60,16 @@ void clickCheckBox(QAbstractItemView *view, const QModelIndex &index)
 {
     view->scrollTo(index);
     QTest::mouseClick(view->viewport(), Qt::LeftButton, Qt::NoModifier, checkBoxOf(view, index));
+}
+
+// The model knows the folders on the way to a path before it has loaded what stands beside them; a
+// tick would then be one of all that is above.
+bool hasSiblings(const QFileSystemModel &model, const QModelIndex &folder)
+{
+    const int rows = model.rowCount(folder);
+    const QDir dir(model.filePath(folder));
+    return rows > 1
+        || (rows == 1 && dir.entryList(QDir::AllDirs | QDir::NoDotAndDotDot).size() == 1);
 }
 } // namespace
 
@@ -167,7 +178,7 @@ bool WindowDriver::tickFolder(const QString &path)
             const QModelIndex index = model->index(path);
             bool loaded = index.isValid();
             for (QModelIndex up = index.parent(); loaded && up.isValid(); up = up.parent()) {
-                loaded = !model->canFetchMore(up) && model->rowCount(up) > 0;
+                loaded = !model->canFetchMore(up) && hasSiblings(*model, up);
                 if (loaded && !tree()->isExpanded(up)) {
                     tree()->scrollTo(index);
                     loaded = false;

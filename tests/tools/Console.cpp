@@ -71,7 +71,7 @@ Console::Result Console::run(const QStringList &arguments,
     return console.result();
 }
 
-void Console::setupChildProcess()
+void Console::prepareChild()
 {
     if (signalNumber != 0) {
         std::signal(signalNumber, isSignalIgnored ? SIG_IGN : SIG_DFL);

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/PreparedProcess.h"
+
 #include <QByteArray>
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 
 /** twinsift-scan as a process without the rights of the administrator, where they can be laid down. */
-class Console final : public QProcess
+class Console final : public PreparedProcess
 {
     Q_OBJECT
 
@@ -37,7 +38,7 @@ public:
                       const QByteArray &input = QByteArray());
 
 protected:
-    void setupChildProcess() override;
+    void prepareChild() override;
 
 private:
     int signalNumber = 0;

@@ -244,7 +244,7 @@ void tst_ConsoleGroups::sort()
     }
     const QStringList folders = {tree->path(QStringLiteral("z")), tree->path(QStringLiteral("a"))};
     QByteArray output = Console::run(options + folders).output;
-    output.replace(QFile::encodeName(tree->root()) + '/', "");
+    output.replace(QByteArray(QFile::encodeName(tree->root()) + '/'), "");
     QCOMPARE(output.trimmed().replace("\n\n", "|").replace('\n', ' '), groups);
 }
 

@@ -204,7 +204,7 @@ void tst_ProgressLine::lineOnATerminal()
     QVERIFY(terminal.waitFor("3 files found, 2 of 3 compared, "));
     QVERIFY(terminal.waitFor(" MiB read"));
     QCOMPARE(terminal.screen().size(), 1);
-    const int rewritten = terminal.written.count('\r');
+    const auto rewritten = terminal.written.count('\r');
     QVERIFY2(rewritten <= timer.elapsed() / 100 + 1, QByteArray::number(rewritten).constData());
     console.send(SIGINT);
     const Console::Result result = console.result();

@@ -175,10 +175,10 @@ bool Tour::openResults()
     for (const QString &path : paths) {
         bytes += QFileInfo(path).size();
     }
-    filesCount = paths.size();
+    filesCount = static_cast<int>(paths.size());
     QStringList groups = driver.column(1);
     groups.removeDuplicates();
-    groupsCount = groups.size();
+    groupsCount = static_cast<int>(groups.size());
     return takePicture(QStringLiteral("6-results"));
 }
 

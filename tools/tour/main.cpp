@@ -2,6 +2,7 @@
 #include "app/MainWindow.h"
 #include "tools/tour/Tour.h"
 #include "tools/tour/TourSample.h"
+#include "ui/QtCompat.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -39,6 +40,7 @@ int fail(const QString &line)
 int main(int argc, char **argv)
 {
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QtCompat::useWholeRatios();
     const QApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 2 || arguments.size() > 3) {

@@ -4,12 +4,25 @@
 #include "ui/config/SystemFolders.h"
 
 #include <QDir>
+#include <QFileIconProvider>
 
 #include <algorithm>
+
+namespace
+{
+// The style's pictures where the desktop has no theme; of its own accord Qt 6 would show none there.
+// Never deleted: the thread that loads folders may use it until the model has gone.
+QFileIconProvider *folderIcons()
+{
+    static auto *const icons = new QFileIconProvider; // for as long as the process lives
+    return icons;
+}
+} // namespace
 
 FileSystemTreeModel::FileSystemTreeModel(QObject *parent)
     : QFileSystemModel(parent)
 {
+    setIconProvider(folderIcons());
     connect(this, &QAbstractItemModel::rowsInserted, this, &FileSystemTreeModel::onRowsInserted);
     connect(this,
             &QAbstractItemModel::rowsAboutToBeRemoved,

@@ -18,6 +18,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -81,7 +82,7 @@ void FileTypesWidget::setTypesFilename(const QString &path)
 void FileTypesWidget::updateList()
 {
     listWidget->clear();
-    for (const QString &entry : qAsConst(maskEntries)) {
+    for (const QString &entry : std::as_const(maskEntries)) {
         auto *const item = new QListWidgetItem(entry);
         item->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
         item->setCheckState(Qt::Unchecked);

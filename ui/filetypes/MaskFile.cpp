@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/filetypes/MaskFile.h"
 
+#include "engine/LocalText.h"
+
 #include <QDebug>
 #include <QDir>
 #include <QFile>
@@ -9,6 +11,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <utility>
 
 #include <unistd.h>
 
@@ -117,7 +120,7 @@ void MaskFile::createDefault(const QString &path)
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         qDebug() << file.errorString();
-    } else if (!finish(&file, defaultContent().toLocal8Bit())) {
+    } else if (!finish(&file, LocalText::encode(defaultContent()))) {
         qDebug() << qt_error_string();
     }
 }
@@ -135,10 +138,10 @@ std::optional<QStringList> MaskFile::read(const QString &path)
 QStringList MaskFile::entries(const QByteArray &content)
 {
     QStringList all;
-    int start = 0;
+    decltype(content.size()) start = 0;
     while (start < content.size() && all.size() < maxEntries) {
-        const int lineFeed = content.indexOf('\n', start);
-        const int end = lineFeed < 0 ? content.size() : lineFeed + 1;
+        const auto lineFeed = content.indexOf('\n', start);
+        const auto end = lineFeed < 0 ? content.size() : lineFeed + 1;
         const QByteArray line = content.mid(start, qMin(end - start, maxLineBytes));
         // By its pointer, so that the text ends at a zero byte.
         all.append(QString::fromUtf8(line.constData()).remove(carriageReturnAndLineFeed()));
@@ -155,7 +158,7 @@ bool MaskFile::save(const QStringList &entries)
             line.append(carriageReturnAndLineFeed());
         }
     }
-    const QByteArray content = lines.join(QString()).toLocal8Bit();
+    const QByteArray content = LocalText::encode(lines.join(QString()));
     const Place place = placeFor(content);
     QSaveFile file(fileName());
     if (place == Place::UpToDate) {
@@ -164,7 +167,7 @@ bool MaskFile::save(const QStringList &entries)
     if (place == Place::Forbidden || !file.open(QIODevice::WriteOnly)) {
         return false;
     }
-    for (const QString &line : qAsConst(lines)) {
+    for (const QString &line : std::as_const(lines)) {
         qDebug() << "write" << line;
     }
     return finish(&file, content);

@@ -137,7 +137,7 @@ void ClickableLabel::keyPressEvent(QKeyEvent *event)
     }
 }
 
-void ClickableLabel::enterEvent(QEvent *event)
+void ClickableLabel::enterEvent(QtCompat::EnterEvent *event)
 {
     setCursor(Qt::PointingHandCursor);
     hovered = true;
@@ -194,7 +194,7 @@ void ClickableLabel::paintCaption(QPainter *painter) const
                       height() - 2 * iconMargin);
     // A painter takes what a font leaves open from the widget's font; nothing is left open here.
     QFont captionFont = textFont;
-    captionFont.resolve(QFont::AllPropertiesResolved);
+    QtCompat::closeFont(&captionFont);
     painter->setFont(captionFont);
     painter->setPen(textColor);
     painter->drawText(place, Qt::AlignLeft | Qt::AlignVCenter, text);

@@ -150,7 +150,7 @@ DeletionPlan::Search &DeletionPlan::searchIn(int set)
         }
     }
     std::sort(ticked.begin(), ticked.end(), std::greater<>());
-    for (const auto &place : qAsConst(ticked)) {
+    for (const auto &place : std::as_const(ticked)) {
         search.ticked.append(place.second);
     }
     return search;

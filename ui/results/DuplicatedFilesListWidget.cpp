@@ -4,6 +4,7 @@
 #include "app/MainWindow.h"
 #include "app/Model.h"
 #include "app/ModelEvent.h"
+#include "engine/LocalText.h"
 #include "ui/Picture.h"
 #include "ui/progress/ClickableLabel.h"
 #include "ui/results/Deletion.h"
@@ -30,8 +31,11 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QTableView>
+#include <QTimer>
 #include <QUrl>
 #include <QVBoxLayout>
+
+#include <memory>
 
 namespace
 {
@@ -69,6 +73,21 @@ QString openFileLocationText()
 QString deleteCurrentFileText()
 {
     return QStringLiteral("Delete Current File");
+}
+
+// A menu hides before it triggers, and what it triggers may open a box. In the loop of that box the
+// menu must not go, as its own code is still running.
+void deleteWhenDismissed(QMenu *menu)
+{
+    const auto isChosen = std::make_shared<bool>(false);
+    QObject::connect(menu, &QMenu::triggered, menu, [isChosen] { *isChosen = true; });
+    QObject::connect(menu, &QMenu::aboutToHide, menu, [menu, isChosen] {
+        QTimer::singleShot(0, menu, [menu, isChosen] {
+            if (!*isChosen) {
+                menu->deleteLater();
+            }
+        });
+    });
 }
 
 DeletionPlan::Senses sensesOfTheDisk()
@@ -117,7 +136,7 @@ void DuplicatedFilesListWidget::saveList()
     }
     QByteArray list;
     for (int row = 0; row < tableModel->rowCount(); ++row) {
-        list.append(lineOfRow(row).toLocal8Bit());
+        list.append(LocalText::encode(lineOfRow(row)));
     }
     if (ListFile::write(path, list)) {
         showBox(QMessageBox::Information,
@@ -210,10 +229,9 @@ void DuplicatedFilesListWidget::onCustomContextMenuRequested(const QPoint &pos)
     const QModelIndex cell =
         tableModel->index(contextRow, DuplicatedFilesTableModel::FilepathColumn);
     auto *const menu = new QMenu(this);
+    deleteWhenDismissed(menu);
     connect(menu, SIGNAL(triggered(QAction*)), this, SLOT(onActionTriggered(QAction*)));
     connect(menu, SIGNAL(triggered(QAction*)), menu, SLOT(deleteLater()));
-    // A menu that is dismissed triggers nothing.
-    connect(menu, SIGNAL(aboutToHide()), menu, SLOT(deleteLater()));
     if (QFileInfo::exists(cell.data().toString())) {
         menu->addAction(openFileText());
         menu->addAction(openFileLocationText());
@@ -361,7 +379,7 @@ void DuplicatedFilesListWidget::createTable()
 ClickableLabel *DuplicatedFilesListWidget::createButton(const QString &text,
                                                         const QString &picture,
                                                         int height,
-                                                        int weight)
+                                                        QFont::Weight weight)
 {
     QFont font;
     font.setWeight(weight);
@@ -415,7 +433,7 @@ void DuplicatedFilesListWidget::askToDeleteSelectedFiles()
                            "crash.<br></b><br>Before deleting, we recommend to you check the list "
                            "of files to be deleted."),
             Qt::RichText);
-    const int count = tableModel->selectedFiles().size();
+    const auto count = tableModel->selectedFiles().size();
     const auto answer = showBox(
         QMessageBox::Question,
         QStringLiteral("Delete Duplicate Files"),

@@ -3,6 +3,7 @@
 
 #include "engine/ScanFindings.h"
 
+#include <QFont>
 #include <QMessageBox>
 #include <QModelIndex>
 #include <QWidget>
@@ -75,7 +76,7 @@ private:
     ClickableLabel *createButton(const QString &text,
                                  const QString &picture,
                                  int height,
-                                 int weight);
+                                 QFont::Weight weight);
     void fitColumns();
     /** Widens the paths until the columns fill the view beside its scroll bar. */
     void fillView();

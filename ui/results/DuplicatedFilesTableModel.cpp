@@ -8,6 +8,8 @@
 #include <QFont>
 #include <QIcon>
 
+#include <utility>
+
 namespace
 {
 constexpr int columns = 4;
@@ -44,13 +46,13 @@ void DuplicatedFilesTableModel::setDuplicatedFilesInList(const QList<QStringList
         ++group;
         for (int i = 0; i < paths.size(); ++i) {
             if (i != 0) {
-                checkedRows.append(filesByGroup.size());
+                checkedRows.append(static_cast<qint32>(filesByGroup.size()));
             }
             filesByGroup.insert(group, QFileInfo(paths.at(i)));
         }
     }
     isChecked.fill(false, filesByGroup.size());
-    for (const qint32 row : qAsConst(checkedRows)) {
+    for (const qint32 row : std::as_const(checkedRows)) {
         isChecked.setBit(row);
     }
     rows.reserve(filesByGroup.size());
@@ -134,7 +136,7 @@ void DuplicatedFilesTableModel::takeIcon(const QString &path, const QImage &icon
 
 int DuplicatedFilesTableModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : filesByGroup.size();
+    return parent.isValid() ? 0 : static_cast<int>(filesByGroup.size());
 }
 
 int DuplicatedFilesTableModel::columnCount(const QModelIndex &parent) const

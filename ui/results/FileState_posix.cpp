@@ -62,7 +62,7 @@ FileState FileState::of(const QString &path)
                        {},
                        FileTime::changed(status)};
     if (state.links > 1) {
-        const int slash = whole.lastIndexOf('/');
+        const auto slash = whole.lastIndexOf('/');
         state.name = whole.mid(slash + 1);
         if (::stat(whole.left(slash + 1).constData(), &status) == 0) {
             state.folder = identityOf(status);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/results/PictureFile.h"
 
+#include "ui/QtCompat.h"
 #include "ui/results/PictureHeader.h"
 
 namespace
@@ -35,6 +36,7 @@ PictureFile::PictureFile(const QString &path, const std::atomic<bool> *isEnded)
     : file(maxMilliseconds, isEnded)
     , mostPixels(maxPixels)
 {
+    QtCompat::liftPictureLimit();
     if (!file.openFile(path)) {
         return;
     }

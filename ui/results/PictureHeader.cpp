@@ -105,16 +105,21 @@ QSize pngSize(const QByteArray &header)
             qFromBigEndian<qint32>(header.constData() + pngSizeOffset + 4)};
 }
 
+int indexOfMarkerByte(const QByteArray &jpeg, int from)
+{
+    return static_cast<int>(jpeg.indexOf(static_cast<char>(jpegMarker), from));
+}
+
 // Behind coded data, in which only a zero or a restart follows such a byte. -1 where there is none.
 int nextMarker(const QByteArray &jpeg, int from)
 {
-    int at = jpeg.indexOf(static_cast<char>(jpegMarker), from);
+    int at = indexOfMarkerByte(jpeg, from);
     while (at >= 0 && at + 1 < jpeg.size()) {
         const uchar marker = byteAt(jpeg, at + 1);
         if (marker != 0 && marker != jpegMarker && (marker < 0xd0 || marker > 0xd7)) {
             return at;
         }
-        at = jpeg.indexOf(static_cast<char>(jpegMarker), at + 1);
+        at = indexOfMarkerByte(jpeg, at + 1);
     }
     return -1;
 }

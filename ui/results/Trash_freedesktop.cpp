@@ -11,7 +11,6 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QStandardPaths>
-#include <QStorageInfo>
 
 #include <cerrno>
 #include <cstdio>
@@ -124,7 +123,7 @@ int openTrashOfVolume(const QString &topFolder)
 QByteArray nameInTrash(const QByteArray &name, int number)
 {
     const QByteArray ending = number > 1 ? '-' + QByteArray::number(number) : QByteArray();
-    int bytes = qMin(name.size(), maxNameBytes - int(sizeof noteEnding - 1) - ending.size());
+    auto bytes = qMin(name.size(), maxNameBytes - int(sizeof noteEnding - 1) - ending.size());
     while (bytes > 0 && bytes < name.size()
            && (static_cast<uchar>(name.at(bytes)) & 0xc0U) == 0x80U) {
         --bytes;
@@ -287,6 +286,32 @@ QString canonicalFolderOf(const QString &path)
     return QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath();
 }
 
+bool isOnMountOf(const QString &folder, const QString &other)
+{
+    const Descriptor a(::open(QFile::encodeName(folder).constData(), openToHold | O_DIRECTORY));
+    const Descriptor b(::open(QFile::encodeName(other).constData(), openToHold | O_DIRECTORY));
+    const quint64 mount = mountOf(a);
+    if (mount != 0) {
+        return mount == mountOf(b);
+    }
+    struct stat one = {};
+    struct stat two = {};
+    return ::fstat(a.get(), &one) == 0 && ::fstat(b.get(), &two) == 0 && one.st_dev == two.st_dev;
+}
+
+// Step by step. The list of all mounts, which the toolkit looks at, has no name for the root of a
+// process that was put into a folder.
+QString topFolderOf(const QString &folder)
+{
+    QString top = folder;
+    QString above = QFileInfo(top).path();
+    while (above != top && isOnMountOf(above, top)) {
+        top = above;
+        above = QFileInfo(top).path();
+    }
+    return top;
+}
+
 // Empty where the home trash serves: a file is renamed within its mount alone.
 QString topFolderOfAnotherVolume(const Descriptor &folder,
                                  const QString &path,
@@ -297,8 +322,9 @@ QString topFolderOfAnotherVolume(const Descriptor &folder,
     if (mount != 0 && mount == mountOf(data)) {
         return {};
     }
-    const QString topFolder = QStorageInfo(canonicalFolderOf(path)).rootPath();
-    return topFolder == QStorageInfo(dataFolder).rootPath() ? QString() : topFolder;
+    const QString topFolder = topFolderOf(canonicalFolderOf(path));
+    const QString topOfData = topFolderOf(QFileInfo(dataFolder).canonicalFilePath());
+    return topFolder == topOfData ? QString() : topFolder;
 }
 
 // Those of a disk keep a file's number when they rename it; a program or a machine that serves files
@@ -336,7 +362,7 @@ bool Trash::moveFile(const QString &path,
                      const std::function<bool()> &mayStay)
 {
     const QByteArray whole = QFile::encodeName(QFileInfo(path).absoluteFilePath());
-    const int slash = whole.lastIndexOf('/');
+    const auto slash = whole.lastIndexOf('/');
     const QByteArray name = whole.mid(slash + 1);
     const Descriptor folder(::open(whole.left(slash + 1).constData(), openToHold | O_DIRECTORY));
     const Descriptor held(seen != nullptr && mayRenumberByRenaming(*seen)

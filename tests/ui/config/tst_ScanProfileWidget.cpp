@@ -306,7 +306,7 @@ void tst_ScanProfileWidget::focusChainFollowsTheLayout()
         QTest::keyClick(chain.at(i - 1), Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), chain.at(i));
     }
-    for (int i = chain.size() - 2; i >= 0; --i) {
+    for (auto i = chain.size() - 2; i >= 0; --i) {
         QTest::keyClick(chain.at(i + 1), Qt::Key_Backtab);
         QCOMPARE(QApplication::focusWidget(), chain.at(i));
     }

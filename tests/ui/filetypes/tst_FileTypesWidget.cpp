@@ -296,7 +296,7 @@ void tst_FileTypesWidget::focusChainFollowsTheLayout()
         QTest::keyClick(chain.at(i - 1), Qt::Key_Tab);
         QVERIFY(chain.at(i)->hasFocus());
     }
-    for (int i = chain.size() - 2; i >= 0; --i) {
+    for (auto i = chain.size() - 2; i >= 0; --i) {
         QTest::keyClick(chain.at(i + 1), Qt::Key_Backtab);
         QVERIFY(chain.at(i)->hasFocus());
     }

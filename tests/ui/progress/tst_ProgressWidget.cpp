@@ -108,7 +108,7 @@ void tst_ProgressWidget::looks()
     for (const char *name : {"labelScannedFiles", "labelUsedSpace", "labelFoundDuplicates"}) {
         const QLabel *const number = labelOf(*widget, name);
         QCOMPARE(number->font().pixelSize(), 42);
-        QCOMPARE(number->font().weight(), 75);
+        QCOMPARE(number->font().weight(), int(QFont::Bold));
         QCOMPARE(number->styleSheet(), QStringLiteral("color: #3199e5"));
         QCOMPARE(number->alignment(), Qt::AlignHCenter | Qt::AlignBottom);
         QVERIFY(!number->wordWrap());

@@ -200,7 +200,7 @@ void tst_WidgetAnalyzeWaiting::looksOfTheButtons()
     };
     for (const auto &one : buttons) {
         ClickableLabel *const seen = button(one.first);
-        QCOMPARE(seen->font().weight(), 75);
+        QCOMPARE(seen->font().weight(), int(QFont::Bold));
         QCOMPARE(seen->textColor, QColor(QStringLiteral("#696969")));
         QCOMPARE(seen->minimumHeight(), 52);
         ClickableLabel plain(QString::fromUtf8(one.first), page.get());

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace
 {
@@ -77,7 +78,7 @@ private:
     {
         FileState &state = files[path];
         state.links = 2;
-        const int slash = path.lastIndexOf(QLatin1Char('/'));
+        const auto slash = path.lastIndexOf(QLatin1Char('/'));
         state.folder = {1, qHash(path.left(slash))};
         state.name = path.mid(slash + 1).toUtf8();
     }
@@ -104,7 +105,7 @@ QStringList ticksOfAScan(const QList<QStringList> &groups)
 {
     QStringList ticked;
     for (const QStringList &group : groups) {
-        for (int i = group.size() - 2; i >= 0; --i) {
+        for (auto i = group.size() - 2; i >= 0; --i) {
             ticked.append(group.at(i));
         }
     }
@@ -653,7 +654,7 @@ void tst_DeletionPlan::losesNothing()
         ScanFindings findings =
             findingsOf(groups, areContentsProven ? sets : QList<QStringList>({all}));
         findings.areContentsProven = areContentsProven;
-        for (const QString &path : qAsConst(all)) {
+        for (const QString &path : std::as_const(all)) {
             const int change = random.bounded(12);
             if (change == 0) {
                 disk.remove(path);
@@ -662,7 +663,7 @@ void tst_DeletionPlan::losesNothing()
             }
         }
         QSet<QChar> before;
-        for (const QString &path : qAsConst(all)) {
+        for (const QString &path : std::as_const(all)) {
             if (disk.isAsScanned(path)) {
                 before.insert(Disk::letterOf(path));
             }
@@ -674,7 +675,7 @@ void tst_DeletionPlan::losesNothing()
             ticked = ticked.mid(1 + random.bounded(ticked.size()));
         }
         deleteAll(&disk, groups, ticked, findings);
-        for (const QChar letter : qAsConst(before)) {
+        for (const QChar letter : std::as_const(before)) {
             QVERIFY2(std::any_of(all.begin(),
                                  all.end(),
                                  [&](const QString &path) {
@@ -717,7 +718,7 @@ void tst_DeletionPlan::looksAtTwoFiles()
     const QList<QStringList> groups = {QStringList(QStringLiteral("B1")) + all};
     deleteAll(&disk, groups, all.mid(unticked), findingsOf(groups, {all}));
     int looks = 0;
-    for (const int ofOne : qAsConst(disk.looks)) {
+    for (const int ofOne : std::as_const(disk.looks)) {
         looks += ofOne;
     }
     QVERIFY2(looks <= 2 * count + (kind.isEmpty() ? 0 : unticked),

@@ -113,16 +113,16 @@ void tst_DuplicatedFilesListWidget::buttonsShowPictureAndCaption_data()
     QTest::addColumn<QString>("caption");
     QTest::addColumn<QString>("picture");
     QTest::addColumn<int>("height");
-    QTest::addColumn<int>("weight");
-    const auto row = [](const char *caption, const char *picture, int height, int weight) {
+    QTest::addColumn<bool>("isBold");
+    const auto row = [](const char *caption, const char *picture, int height, bool isBold) {
         QTest::newRow(caption) << QString::fromLatin1(caption) << QString::fromLatin1(picture)
-                               << height << weight;
+                               << height << isBold;
     };
-    row("Select All", ":/content/actionCheck.png", 24, 50);
-    row("Unselect All", ":/content/actionUncheck.png", 24, 50);
-    row("Save List", ":/content/actionSave.png", 24, 50);
-    row("Delete Selected Files", ":/content/actionTrash.png", 24, 50);
-    row("Scan Configuration", ":/content/arrow_prev.png", 48, 75);
+    row("Select All", ":/content/actionCheck.png", 24, false);
+    row("Unselect All", ":/content/actionUncheck.png", 24, false);
+    row("Save List", ":/content/actionSave.png", 24, false);
+    row("Delete Selected Files", ":/content/actionTrash.png", 24, false);
+    row("Scan Configuration", ":/content/arrow_prev.png", 48, true);
 }
 
 void tst_DuplicatedFilesListWidget::buttonsShowPictureAndCaption()
@@ -131,13 +131,13 @@ void tst_DuplicatedFilesListWidget::buttonsShowPictureAndCaption()
     QFETCH(QString, caption);
     QFETCH(QString, picture);
     QFETCH(int, height);
-    QFETCH(int, weight);
+    QFETCH(bool, isBold);
     const ResultsPage results;
     const ClickableLabel *const button = results.button(caption);
     QVERIFY(button != nullptr);
     QCOMPARE(button->textColor, QColor(QStringLiteral("#696969")));
     QFont font;
-    font.setWeight(weight);
+    font.setWeight(isBold ? QFont::Bold : QFont::Normal);
     QWidget parent;
     ClickableLabel model(caption, &parent);
     const QPixmap whole(picture);
@@ -366,7 +366,7 @@ void tst_DuplicatedFilesListWidget::tabsThroughTheControls()
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), chain.at(i));
     }
-    for (int i = chain.size() - 2; i >= 0; --i) {
+    for (auto i = chain.size() - 2; i >= 0; --i) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
         QCOMPARE(QApplication::focusWidget(), chain.at(i));
     }

@@ -279,7 +279,7 @@ void tst_DuplicatedFilesTableModel::shadesEvenGroups()
         QCOMPARE(model.at(0, column, Qt::FontRole), QVariant());
         QCOMPARE(model.at(0, column, Qt::BackgroundRole), QVariant());
         QFont bold;
-        bold.setWeight(75);
+        bold.setWeight(QFont::Bold);
         QCOMPARE(model.at(1, column, Qt::FontRole), QVariant(bold));
         QCOMPARE(model.at(1, column, Qt::BackgroundRole).value<QColor>(),
                  QColor(QStringLiteral("#e9e9e4")));

@@ -175,7 +175,7 @@ void tst_FilepathDelegate::namesOfAllDirections()
     qreal right = 0; // of the folder before
     int begin = 1;
     for (const QString &name : path.mid(1).split(QLatin1Char('/'))) {
-        begin = text.indexOf(name, begin);
+        begin = static_cast<int>(text.indexOf(name, begin));
         QVERIFY(begin > 0);
         qreal rightmost = right;
         for (int i = begin; i < begin + name.size(); ++i) {

@@ -230,7 +230,7 @@ void tst_LastCopyStays::noContentIsLostAfterARealScan()
         QRegularExpression(QStringLiteral("^Cannot remove file: |^\\d+ contents before")));
     ResultsPage results;
     results.hub.emitModelEvent(FindDuplicatedFilesFinishedEvent(groups));
-    const int ticked = results.tickedPaths().size();
+    const auto ticked = results.tickedPaths().size();
     // Its box says what was left, which is another test's.
     QTimer closing;
     connect(&closing, &QTimer::timeout, [] {
@@ -242,12 +242,13 @@ void tst_LastCopyStays::noContentIsLostAfterARealScan()
     results.page.deleteSelectedFiles();
     closing.stop();
     const QSet<QByteArray> after = contentsBelow(tree.root());
-    const int moved = inTrash(homeTrash()).size();
-    qInfo("%d contents before, %d after; %d ticked, %d moved",
-          before.size(),
-          after.size(),
-          ticked,
-          moved);
+    const auto moved = inTrash(homeTrash()).size();
+    qInfo("%s",
+          qPrintable(QStringLiteral("%1 contents before, %2 after; %3 ticked, %4 moved")
+                         .arg(before.size())
+                         .arg(after.size())
+                         .arg(ticked)
+                         .arg(moved)));
     QVERIFY(moved > 0);
     QVERIFY(moved > 0);
     // A volume of its own has a trash of its own, with notes.

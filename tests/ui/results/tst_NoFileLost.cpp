@@ -142,7 +142,7 @@ void tst_NoFileLost::everyFileIsInItsPlaceOrInTheTrash()
         gone.insert(ticked, left.take(ticked));
     }
     QCOMPARE(gone.size(), 2 * names.size());
-    results.expectDeletion(gone.size(), QMessageBox::Yes);
+    results.expectDeletion(static_cast<int>(gone.size()), QMessageBox::Yes);
     results.expectComplete();
     results.press(QStringLiteral("Delete Selected Files"));
     QCOMPARE(results.boxes.failures(), QStringList());

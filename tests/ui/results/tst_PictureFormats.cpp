@@ -300,7 +300,7 @@ Q_IMPORT_PLUGIN(ProbePlugin)
 void tst_PictureFormats::watchesThoseWhoAskAllReaders()
 {
     // The reader that is asked about nothing above is there, and is asked by who lets others guess.
-    QVERIFY(!QImage::fromData("text").isNull());
+    QVERIFY(!QImage::fromData(QByteArray("text")).isNull());
     QCOMPARE(askedByContent, 1);
     QCOMPARE(decoded, 1);
 }

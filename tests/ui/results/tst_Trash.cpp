@@ -130,7 +130,7 @@ void tst_Trash::movesManyFilesOfOneName()
         const QByteArray content = TempTree::read(homeTrash() + QStringLiteral("/files/") + name);
         found.append(QString::fromLatin1(content));
         if (content != "without a note") {
-            QVERIFY(infoOf(name).contains('/' + content + "/a.txt\n"));
+            QVERIFY(infoOf(name).contains(QByteArray('/' + content + "/a.txt\n")));
         }
     }
     found.sort();
@@ -165,7 +165,8 @@ void tst_Trash::movesANameOfAnyLength()
         const QByteArray content = TempTree::read(homeTrash() + QStringLiteral("/files/") + moved);
         const QByteArray whole =
             QFile::encodeName(tree.root()) + '/' + content + '/' + QFile::encodeName(name);
-        QVERIFY(infoOf(moved).contains("\nPath=" + whole.toPercentEncoding("/") + '\n'));
+        QVERIFY(
+            infoOf(moved).contains(QByteArray("\nPath=" + whole.toPercentEncoding("/") + '\n')));
     }
 }
 
@@ -209,9 +210,9 @@ void tst_Trash::movesAFolderWhole()
     QVERIFY(!QFileInfo::exists(tree.path(QStringLiteral("folder"))));
     QCOMPARE(TempTree::read(homeTrash() + QStringLiteral("/files/folder/a/b.txt")),
              QByteArray("content"));
-    QVERIFY(
-        infoOf(QStringLiteral("folder"))
-            .contains("\nPath=" + QFile::encodeName(tree.path(QStringLiteral("folder"))) + '\n'));
+    QVERIFY(infoOf(QStringLiteral("folder"))
+                .contains(QByteArray(
+                    "\nPath=" + QFile::encodeName(tree.path(QStringLiteral("folder"))) + '\n')));
 }
 
 void tst_Trash::makesTheDataFolder()
@@ -393,7 +394,7 @@ void tst_Trash::movesToTheTrashOfAnotherVolume()
     QVERIFY(Trash::moveFile(file));
     QVERIFY(!QFileInfo::exists(file));
     QCOMPARE(TempTree::read(moved), QByteArray("content"));
-    QVERIFY(TempTree::read(note).contains("\nPath=" + QFile::encodeName(name) + "\n"));
+    QVERIFY(TempTree::read(note).contains(QByteArray("\nPath=" + QFile::encodeName(name) + "\n")));
 }
 
 void tst_Trash::movesTheFileThatWasSeen()

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 /** Moves files to the trash of a small volume of their own, which only the super-user can mount. */
@@ -23,6 +24,7 @@ private slots:
     void fileStaysOnAFullVolume();
     void fileStaysOnAReadOnlyVolume();
     void fileStaysWhereItsFolderIsAVolume();
+    void topFolderOfAChangedRoot();
     void homeTrashOfAnotherVolumeTakesNothing();
 
 private:
@@ -174,6 +176,30 @@ void tst_TrashVolumes::fileStaysWhereItsFolderIsAVolume()
     QVERIFY(!Trash::moveFile(volumePath()));
     QCOMPARE(TempTree::read(file), QByteArray("content"));
     QVERIFY(isHomeTrashEmpty());
+}
+
+void tst_TrashVolumes::topFolderOfAChangedRoot()
+{
+    // A process that was put into a folder which is no mount has its trash at the top of that folder,
+    // not beside each file.
+    const QString root = path(QStringLiteral("root"));
+    const TempTree tree(root);
+    tree.file(QStringLiteral("folder/below/a.txt"), "content");
+    const Volume home(root + QStringLiteral("/home"), "size=1m");
+    if (!home.isMounted()) {
+        QSKIP("only the super-user can mount a volume");
+    }
+    const pid_t child = ::fork();
+    if (child == 0) {
+        qputenv("XDG_DATA_HOME", "/home");
+        const bool isInside = ::chroot(QFile::encodeName(root).constData()) == 0;
+        ::_exit(isInside && Trash::moveFile(QStringLiteral("/folder/below/a.txt")) ? 0 : 1);
+    }
+    int status = 0;
+    QCOMPARE(::waitpid(child, &status, 0), child);
+    QCOMPARE(status, 0);
+    QCOMPARE(TempTree::read(tree.path(ownTrash + QStringLiteral("/files/a.txt"))),
+             QByteArray("content"));
 }
 
 void tst_TrashVolumes::homeTrashOfAnotherVolumeTakesNothing()

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#include "engine/LocalText.h"
+
+#include <QTextCodec>
+
+#include <clocale>
+#include <cstring>
+
+QByteArray LocalText::encode(const QString &text)
+{
+    return text.toLocal8Bit();
+}
+
+void LocalText::useUtf8InPlainLocale()
+{
+    const char *const locale = std::setlocale(LC_CTYPE, nullptr);
+    if (std::strcmp(locale, "C") == 0 || std::strcmp(locale, "POSIX") == 0) {
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    }
+}
