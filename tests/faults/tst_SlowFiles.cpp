@@ -25,8 +25,9 @@ namespace
 {
 constexpr int fileCount = 400;
 constexpr int delayMilliseconds = 50;
-// What the engine may still take in hand until the timer that carries the stop has fired.
-constexpr long maxCallsAfterStop = 8;
+// What the readers may still take in hand until the timer that carries the stop has fired: each of
+// sixteen two calls.
+constexpr long maxCallsAfterStop = 32;
 constexpr qint64 maxPostMilliseconds = 5000;
 constexpr int maxWaitMilliseconds = 60000;
 } // namespace

@@ -185,7 +185,8 @@ void tst_ConsoleSignals::signalWhilePrinting()
 
 void tst_ConsoleSignals::secondSignal()
 {
-    // A second one ends the program at once, whatever it is doing.
+    // A second one ends the program at once, whatever it is doing. Which of the two is the second is
+    // up to the system, where several threads may take them.
     makeLongOutput();
     const SlowReader reader(path(QStringLiteral("fifo")));
     Console console;
@@ -197,7 +198,8 @@ void tst_ConsoleSignals::secondSignal()
     console.send(SIGTERM);
     const Console::Result result = console.result();
     QCOMPARE(console.exitStatus(), QProcess::CrashExit);
-    QCOMPARE(result.status, 128 + SIGTERM);
+    QVERIFY2(result.status == 128 + SIGTERM || result.status == 128 + SIGINT,
+             qPrintable(QString::number(result.status)));
 }
 
 void tst_ConsoleSignals::ignoredSignal()

@@ -25,6 +25,7 @@ __attribute__((objc_root_class))
 
 @interface NSFileManager : NSObject
 + (NSFileManager *)defaultManager;
+- (BOOL)moveItemAtURL:(NSURL *)srcURL toURL:(NSURL *)dstURL error:(NSError **)error;
 #ifndef WITHOUT_TRASH
 - (BOOL)trashItemAtURL:(NSURL *)url
       resultingItemURL:(NSURL **)outResultingURL
