@@ -5,13 +5,13 @@
 #include <QString>
 
 /**
- * Text for others, in the encoding that the system's locale names (LC_ALL, LC_CTYPE, LANG). Qt 5 has
- * it behind its toLocal8Bit(); Qt 6 takes every locale for UTF-8, and makes it so for the process.
- * Safe on any thread.
+ * Text for others, in the encoding that the system's locale names (LC_ALL, LC_CTYPE, LANG). The
+ * toolkit's toLocal8Bit() is no way to it: Qt 5 built with the usual ICU, and Qt 6, take every locale
+ * for UTF-8. Safe on any thread.
  */
 namespace LocalText
 {
-/** Each character that the encoding lacks becomes a question mark. */
+/** Each character that the encoding lacks becomes a question mark. UTF-8 in the plain locale. */
 QByteArray encode(const QString &text);
 
 /**

@@ -6,11 +6,6 @@
 #include <clocale>
 #include <cstring>
 
-QByteArray LocalText::encode(const QString &text)
-{
-    return text.toLocal8Bit();
-}
-
 void LocalText::useUtf8InPlainLocale()
 {
     const char *const locale = std::setlocale(LC_CTYPE, nullptr);
