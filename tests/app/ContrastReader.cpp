@@ -192,7 +192,9 @@ void ContrastReader::readCell(QAbstractItemView *view, const QModelIndex &index)
         }
     }
     if (!text.isEmpty()) {
-        const int before = index.data(Qt::DecorationRole).isNull() ? 0 : 40;
+        // Names of two letters are as narrow as the pictures of the table.
+        const int pictureWidth = view->inherits("QTreeView") ? 20 : 40;
+        const int before = index.data(Qt::DecorationRole).isNull() ? 0 : pictureWidth;
         measure(view->viewport(),
                 option.rect.adjusted(before + (state.isValid() ? 24 : 0), 1, -1, -1),
                 text,

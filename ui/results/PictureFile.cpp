@@ -88,7 +88,7 @@ QSize PictureFile::sizeAtHeight(const QSize &size, int height)
     if (size.isEmpty()) {
         return {};
     }
-    // Rounded as the toolkit's smooth scaling rounds.
+    // Rounded as the smooth scaling of Qt 5 rounds.
     const qreal width = qreal(height) / size.height() * size.width() + 0.9999;
     return width > maxSidePixels ? QSize() : QSize(static_cast<int>(width), height);
 }
