@@ -112,4 +112,4 @@ void Controller::onReplyFinished(QNetworkReply *reply)
     }
 }
 
-#include "moc_Controller.cpp"
+#include "moc_Controller.cpp" // NOLINT(bugprone-suspicious-include)

@@ -22,4 +22,4 @@ void Model::countingFilesInFolderChanged(int size, const QString &folder)
     emitModelEvent(CountingFilesInFolderEvent(size, folder));
 }
 
-#include "moc_Model.cpp"
+#include "moc_Model.cpp" // NOLINT(bugprone-suspicious-include)

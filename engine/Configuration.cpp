@@ -7,4 +7,4 @@ Configuration *Configuration::instance()
     return configuration;
 }
 
-#include "moc_Configuration.cpp"
+#include "moc_Configuration.cpp" // NOLINT(bugprone-suspicious-include)

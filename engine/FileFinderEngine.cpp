@@ -304,4 +304,4 @@ bool FileFinderEngine::whileReading()
         : letEventsIn();
 }
 
-#include "moc_FileFinderEngine.cpp"
+#include "moc_FileFinderEngine.cpp" // NOLINT(bugprone-suspicious-include)

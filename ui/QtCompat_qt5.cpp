@@ -8,6 +8,6 @@ void QtCompat::closeFont(QFont *font)
     font->resolve(QFont::AllPropertiesResolved);
 }
 
-void QtCompat::useWholeRatios() { }
+void QtCompat::useWholeRatios() {}
 
-void QtCompat::liftPictureLimit() { }
+void QtCompat::liftPictureLimit() {}

@@ -7,9 +7,8 @@
 
 #import <Foundation/Foundation.h>
 
-bool Trash::moveFile(const QString &path,
-                     const FileState *seen,
-                     const std::function<bool()> &mayStay)
+bool Trash::moveFile(
+    const QString &path, const FileState *seen, const std::function<bool()> &mayStay)
 {
     // The system takes a path and no open file, so this is as close as the look can come.
     if (seen != nullptr && !FileState::of(path).isSameFileAs(*seen)) {
