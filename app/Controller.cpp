@@ -111,5 +111,3 @@ void Controller::onReplyFinished(QNetworkReply *reply)
         deliver(GetUpdateVersionEvent(answer->version, answer->build, answer->url));
     }
 }
-
-#include "moc_Controller.cpp" // NOLINT(bugprone-suspicious-include)

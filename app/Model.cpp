@@ -21,5 +21,3 @@ void Model::countingFilesInFolderChanged(int size, const QString &folder)
 {
     emitModelEvent(CountingFilesInFolderEvent(size, folder));
 }
-
-#include "moc_Model.cpp" // NOLINT(bugprone-suspicious-include)

@@ -6,5 +6,3 @@ Configuration *Configuration::instance()
     static auto *const configuration = new Configuration;
     return configuration;
 }
-
-#include "moc_Configuration.cpp" // NOLINT(bugprone-suspicious-include)

@@ -303,5 +303,3 @@ bool FileFinderEngine::whileReading()
         ? !stopRequested
         : letEventsIn();
 }
-
-#include "moc_FileFinderEngine.cpp" // NOLINT(bugprone-suspicious-include)
