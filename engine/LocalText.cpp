@@ -7,6 +7,7 @@
 #include <cwchar>
 
 #include <langinfo.h>
+// NOLINTNEXTLINE(modernize-deprecated-headers): of POSIX, not of C++
 #include <locale.h>
 #ifdef __APPLE__
 #include <xlocale.h>

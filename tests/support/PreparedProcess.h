@@ -12,10 +12,9 @@ public:
     PreparedProcess() = default;
 
 protected:
-    void setupChildProcess() override
-    {
-        prepareChild();
-    }
+    // clang-format off
+    void setupChildProcess() override { prepareChild(); }
+    // clang-format on
 #else
     PreparedProcess()
     {
